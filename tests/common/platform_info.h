@@ -1,0 +1,17 @@
+// Facts about the platform a test runs on, for expectations that depend on it.
+#pragma once
+
+namespace test {
+
+// The number of the ANSI code page in force (1252, 936, ...); 65001 for UTF-8; 0 when unknown.
+int AnsiCodePage();
+// True for the Windows build (natively or under Wine).
+constexpr bool IsWindowsBuild() {
+#if defined(_WIN32)
+  return true;
+#else
+  return false;
+#endif
+}
+
+}  // namespace test
