@@ -5,7 +5,7 @@
 set -euo pipefail
 
 linux_packages=(
-  build-essential cmake ninja-build pkg-config git python3 clang
+  build-essential cmake ninja-build pkg-config git python3 clang ccache
   libssl-dev libsqlite3-dev libsystemd-dev libcurl4-openssl-dev libtinyxml2-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )

@@ -123,9 +123,6 @@ bool ProbeSingleByte(const std::string& name) {
   return single;
 }
 
-bool IsHighSurrogate(wchar_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(wchar_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
-
 }  // namespace
 
 std::string NormalizeCodePageName(const std::string& setting) {
@@ -190,14 +187,15 @@ std::string AnsiCodePage::Encode(const wchar_t* text, std::size_t length) const 
       continue;
     }
     if (errno != EILSEQ && errno != EINVAL) break;
-    // One "?" per character the page cannot hold; a surrogate pair counts as one character.
-    const auto* unit = reinterpret_cast<const wchar_t*>(in);
-    std::size_t skip = 1;
-    if (IsHighSurrogate(unit[0]) && inLeft >= 2 * sizeof(wchar_t) && IsLowSurrogate(unit[1])) skip = 2;
-    if (used == out.size()) out.resize(out.size() * 2);
-    out[used++] = '?';
-    in += skip * sizeof(wchar_t);
-    inLeft -= skip * sizeof(wchar_t);
+    // One "?" per UTF-16 unit the page cannot hold, as Windows counts them: a character past
+    // U+FFFF gives "??", and so does a surrogate pair held in two units.
+    const auto unit = static_cast<unsigned long>(*reinterpret_cast<const wchar_t*>(in));
+    const std::size_t marks = unit > 0xFFFF ? 2 : 1;
+    if (used + marks > out.size()) out.resize(out.size() * 2 + marks);
+    out.replace(used, marks, marks, '?');
+    used += marks;
+    in += sizeof(wchar_t);
+    inLeft -= sizeof(wchar_t);
     Reset(cd);
   }
   out.resize(used);

@@ -7,8 +7,8 @@
 //
 // Undecodable bytes follow Windows: in a single-byte page a byte with no character maps to the
 // code point of the same number (CP1252's 0x81 gives U+0081); in a multi-byte page it gives "?".
-// Characters the page cannot hold are written as "?". Windows' "best fit" look-alikes (such as
-// U+0100 to "A") are not reproduced: those characters become "?" too.
+// Characters the page cannot hold are written as one "?" per UTF-16 unit ("??" past U+FFFF). Windows' "best
+// fit" look-alikes (such as U+0100 to "A") are not reproduced: those characters become "?" too.
 #pragma once
 
 #include <cstddef>

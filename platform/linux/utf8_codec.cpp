@@ -5,56 +5,37 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-bool IsContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-// Bounds for the byte after a lead byte; they exclude overlong forms, surrogates and values past
-// U+10FFFF, so the first byte outside them ends the maximal subpart.
-struct LeadRule {
-  int continuations;
-  unsigned char secondLow;
-  unsigned char secondHigh;
-};
-
-bool LeadRuleFor(unsigned char lead, LeadRule& rule) {
-  if (lead >= 0xC2 && lead <= 0xDF)
-    rule = {1, 0x80, 0xBF};
-  else if (lead == 0xE0)
-    rule = {2, 0xA0, 0xBF};
-  else if (lead == 0xED)
-    rule = {2, 0x80, 0x9F};
-  else if (lead >= 0xE1 && lead <= 0xEF)
-    rule = {2, 0x80, 0xBF};
-  else if (lead == 0xF0)
-    rule = {3, 0x90, 0xBF};
-  else if (lead >= 0xF1 && lead <= 0xF3)
-    rule = {3, 0x80, 0xBF};
-  else if (lead == 0xF4)
-    rule = {3, 0x80, 0x8F};
-  else
-    return false;
-  return true;
+// Continuation bytes that follow a lead byte; 0 for bytes that cannot start a sequence
+// (continuations, the overlong leads C0 and C1, and F8 and up).
+int ContinuationCount(unsigned char lead) {
+  if (lead >= 0xC2 && lead <= 0xDF) return 1;
+  if (lead >= 0xE0 && lead <= 0xEF) return 2;
+  if (lead >= 0xF0 && lead <= 0xF4) return 3;
+  return 0;
 }
 
-// Decodes one multi-byte sequence at p[0]; returns the bytes consumed (at least 1).
+// Decodes one sequence that starts with a byte of 0x80 or more; returns the bytes consumed.
+// Ill-formed input follows Windows (as Wine reproduces it): a sequence cut off by the end of the
+// input is one U+FFFD for all that is left; otherwise the bytes read up to and including the one
+// that proves the sequence overlong, a surrogate or past U+10FFFF make one U+FFFD, and a byte
+// that is not a continuation ends the sequence without being consumed.
 std::size_t DecodeSequence(const unsigned char* p, std::size_t available, char32_t& out) {
-  LeadRule rule{};
-  if (!LeadRuleFor(p[0], rule)) {
-    out = kReplacement;
-    return 1;
-  }
-  const char32_t leadBits = p[0] & (0x3F >> rule.continuations);
-  if (available < 2 || p[1] < rule.secondLow || p[1] > rule.secondHigh) {
-    out = kReplacement;
-    return 1;
-  }
-  char32_t value = (leadBits << 6) | (p[1] & 0x3F);
-  std::size_t used = 2;
-  for (int i = 1; i < rule.continuations; ++i, ++used) {
-    if (used >= available || !IsContinuation(p[used])) {
-      out = kReplacement;
-      return used;
-    }
-    value = (value << 6) | (p[used] & 0x3F);
+  out = kReplacement;
+  const int continuations = ContinuationCount(p[0]);
+  if (continuations == 0) return 1;
+  if (static_cast<std::size_t>(continuations) >= available) return available;
+
+  char32_t value = p[0] & (0x3F >> continuations);
+  std::size_t used = 1;
+  for (int remaining = continuations; remaining > 0; --remaining) {
+    const unsigned char bits = p[used] ^ 0x80;
+    if (bits >= 0x40) return used;
+    value = (value << 6) | bits;
+    ++used;
+    const bool overlong = (remaining == 3 && value < 0x10) || (remaining == 2 && value < 0x20);
+    const bool outOfRange = remaining == 3 && value >= 0x110;
+    const bool surrogate = remaining == 2 && value >= 0x360 && value < 0x380;
+    if (overlong || outOfRange || surrogate) return used;
   }
   out = value;
   return used;

@@ -1,0 +1,170 @@
+// Code-page conversions. Expected bytes come from Python's codecs (cp1252, gbk, gb18030, utf-8)
+// and, where Windows differs from Python, from the Windows build under Wine.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+#include "DEString.h"
+#include "common/platform_info.h"
+
+namespace {
+
+using DE::StringProc;
+
+// Wide text the way a Windows caller holds it: UTF-16 units on Windows, code points on Linux.
+// A \U literal already is a surrogate pair where wchar_t has 16 bits.
+const std::wstring kMixed = L"A\u00e9\u4e2d\U0001F600";
+const std::string kMixedUtf8 = "A\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80";
+
+TEST(Utf8Conversion, RoundTripsAllPlanes) {
+  EXPECT_EQ(DE::UTF8ToUnicode(kMixedUtf8), kMixed);
+  EXPECT_EQ(DE::UnicodeToUTF8(kMixed), kMixedUtf8);
+  EXPECT_EQ(StringProc::StringToWStringByUTF8(kMixedUtf8), kMixed);
+  EXPECT_EQ(StringProc::WStringToStringByUTF8(kMixed), kMixedUtf8);
+  EXPECT_EQ(DE::UTF8ToUnicode(""), L"");
+  EXPECT_EQ(DE::UnicodeToUTF8(L""), "");
+}
+
+TEST(Utf8Conversion, NulEndsTheTextExceptInStringProc) {
+  const std::string withNul("ab\0cd", 5);
+  EXPECT_EQ(DE::UTF8ToUnicode(withNul), L"ab");
+  EXPECT_EQ(DE::ANSIToUnicode(withNul), L"ab");
+  EXPECT_EQ(StringProc::StringToWStringByUTF8(withNul), std::wstring(L"ab\0cd", 5));
+  EXPECT_EQ(StringProc::StringToWString(withNul), std::wstring(L"ab\0cd", 5));
+  EXPECT_EQ(StringProc::WStringToStringByUTF8(std::wstring(L"x\0y", 3)), std::string("x\0y", 3));
+  EXPECT_EQ(DE::UnicodeToUTF8(std::wstring(L"x\0y", 3)), "x");
+}
+
+TEST(Utf8Conversion, IllFormedInputBecomesReplacementCharacters) {
+  // Each row: input bytes, expected wide text (Windows' decoder, observed under Wine).
+  const struct {
+    std::string utf8;
+    std::wstring wide;
+  } rows[] = {
+      {"\xC3", L"\uFFFD"},                          // cut off at the end
+      {"a\xE4\xB8|", L"a\uFFFD|"},                  // cut off before a non-continuation
+      {"\xE0x", L"\uFFFD"},                         // a short tail is swallowed whole
+      {"\xC0\xAF", L"\uFFFD\uFFFD"},                // overlong two-byte lead
+      {"\xE0\x80\x80", L"\uFFFD\uFFFD"},            // overlong three-byte form
+      {"\xED\xA0\x80", L"\uFFFD\uFFFD"},            // encoded surrogate
+      {"\xF4\x90\x80\x80", L"\uFFFD\uFFFD\uFFFD"},  // past U+10FFFF
+      {"\xF5\x80", L"\uFFFD\uFFFD"},                // lead bytes F5 and up never start a sequence
+      {"\x80\xBFz", L"\uFFFD\uFFFDz"},              // stray continuations
+      {"\xEF\xBB\xBF"
+       "a",
+       L"\uFEFF"
+       L"a"},  // a BOM is an ordinary character
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(StringProc::StringToWStringByUTF8(row.utf8), row.wide) << testing::PrintToString(row.utf8);
+  }
+}
+
+TEST(Utf8Conversion, LoneSurrogatesEncodeAsReplacementCharacter) {
+  const std::wstring lone = {static_cast<wchar_t>(0xD800), L'x', static_cast<wchar_t>(0xDC00)};
+  EXPECT_EQ(StringProc::WStringToStringByUTF8(lone), "\xEF\xBF\xBDx\xEF\xBF\xBD");
+  // A pair held in two units is one character wherever wchar_t is wide enough to hold it whole.
+  const std::wstring pair = {static_cast<wchar_t>(0xD83D), static_cast<wchar_t>(0xDE00)};
+  EXPECT_EQ(StringProc::WStringToStringByUTF8(pair), "\xF0\x9F\x98\x80");
+}
+
+TEST(AnsiConversion, SingleBytePage1252) {
+  if (test::AnsiCodePage() != 1252) GTEST_SKIP() << "runs with ANSI code page 1252";
+  const std::string bytes =
+      "Gr\xFC\xDF"
+      "e \x80 \xBD";  // Python: "Grüße € ½".encode("cp1252")
+  const std::wstring text = L"Gr\u00fc\u00dfe \u20ac \u00bd";
+  EXPECT_EQ(DE::ANSIToUnicode(bytes), text);
+  EXPECT_EQ(DE::UnicodeToANSI(text), bytes);
+  EXPECT_EQ(DE::ANSIToUTF8(bytes),
+            "Gr\xC3\xBC\xC3\x9F"
+            "e \xE2\x82\xAC \xC2\xBD");
+  EXPECT_EQ(DE::UTF8ToANSI("Gr\xC3\xBC\xC3\x9F"
+                           "e"),
+            "Gr\xFC\xDF"
+            "e");
+  // Bytes with no character in the page map to the code point of the same number.
+  EXPECT_EQ(DE::ANSIToUnicode("\x81\x8D\x9D"), L"\u0081\u008d\u009d");
+  // Characters the page lacks become one "?" per UTF-16 unit.
+  EXPECT_EQ(DE::UnicodeToANSI(L"\u4e2d\U0001F600!"), "???!");
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen("\xFC\xDF"), 3);
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen(L"\u4e2d\u00fc"), 3);
+}
+
+TEST(AnsiConversion, DoubleBytePage936) {
+  if (test::AnsiCodePage() != 936) GTEST_SKIP() << "runs with ANSI code page 936";
+  const std::string bytes = "\xD6\xD0\xCE\xC4";  // Python: "中文".encode("gbk")
+  EXPECT_EQ(DE::ANSIToUnicode(bytes), L"\u4e2d\u6587");
+  EXPECT_EQ(DE::UnicodeToANSI(L"\u4e2d\u6587"), bytes);
+  // Windows' 936 (and iconv's) map the euro sign to 0x80, where Python's gbk has none.
+  EXPECT_EQ(DE::UnicodeToANSI(L"\u20ac"), "\x80");
+  EXPECT_EQ(DE::ANSIToUnicode("\x80"), L"\u20ac");
+  // A lead byte with nothing after it decodes to "?".
+  EXPECT_EQ(DE::ANSIToUnicode("a\xD6"), L"a?");
+  EXPECT_EQ(DE::UnicodeToANSI(L"\u0081\U0001F600"), "???");
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen(bytes.c_str()), 3);
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen(L"\u4e2d\u6587"), 5);
+  EXPECT_EQ(DE::ANSIToUTF8(bytes), "\xE4\xB8\xAD\xE6\x96\x87");
+}
+
+TEST(AnsiConversion, FourBytePageGb18030) {
+  if (test::AnsiCodePage() != 54936) GTEST_SKIP() << "runs with GB18030 (Linux only)";
+  // Python: "中文😀é".encode("gb18030")
+  const std::string bytes = "\xD6\xD0\xCE\xC4\x94\x39\xFC\x36\xA8\xA6";
+  const std::wstring text = L"\u4e2d\u6587\U0001F600\u00e9";
+  EXPECT_EQ(DE::ANSIToUnicode(bytes), text);
+  EXPECT_EQ(DE::UnicodeToANSI(text), bytes);
+}
+
+TEST(RawBuffers, AllocatedCopiesAreTerminatedAndOwned) {
+  std::unique_ptr<wchar_t[]> wide(DE::CharToWchar("abc"));
+  ASSERT_NE(wide, nullptr);
+  EXPECT_EQ(std::wstring(wide.get()), L"abc");
+  std::unique_ptr<char[]> narrow(DE::WcharToChar(L"xyz"));
+  ASSERT_NE(narrow, nullptr);
+  EXPECT_EQ(std::string(narrow.get()), "xyz");
+  std::unique_ptr<wchar_t[]> empty(DE::CharToWchar(""));
+  ASSERT_NE(empty, nullptr);
+  EXPECT_EQ(empty[0], L'\0');
+  EXPECT_EQ(DE::CharToWchar(nullptr), nullptr);
+  EXPECT_EQ(DE::WcharToChar(nullptr), nullptr);
+}
+
+TEST(RawBuffers, BoundedFormsTruncateAndAlwaysTerminate) {
+  wchar_t wide[4];
+  std::fill(std::begin(wide), std::end(wide), L'#');
+  EXPECT_EQ(DE::CharToWchar(wide, 4, "abcdef"), wide);
+  EXPECT_EQ(std::wstring(wide), L"abc");
+  EXPECT_EQ(DE::CharToWchar(wide, 1, "abcdef"), wide);
+  EXPECT_EQ(wide[0], L'\0');
+  EXPECT_EQ(DE::CharToWchar(wide, 0, "a"), nullptr);
+  EXPECT_EQ(DE::CharToWchar(nullptr, 4, "a"), nullptr);
+  EXPECT_EQ(DE::CharToWchar(wide, 4, nullptr), nullptr);
+
+  char narrow[3] = {'#', '#', '#'};
+  EXPECT_EQ(DE::WcharToChar(narrow, 3, L"xyz"), narrow);
+  EXPECT_EQ(std::string(narrow), "xy");
+  EXPECT_EQ(DE::WcharToChar(narrow, -1, L"x"), nullptr);
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen(static_cast<const char*>(nullptr)), 0);
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen(static_cast<const wchar_t*>(nullptr)), 0);
+  EXPECT_EQ(DE::GetMultiByteToWideCharBufLen(""), 1);
+}
+
+TEST(RawBuffers, LengthFunctionsSizeBuffersExactly) {
+  // A buffer of GetMultiByteToWideCharBufLen units holds the whole conversion and its NUL.
+  const std::string text = DE::UnicodeToANSI(L"caf\u00e9 \u4e2d x");
+  const int units = DE::GetMultiByteToWideCharBufLen(text.c_str());
+  std::unique_ptr<wchar_t[]> buffer(new wchar_t[units]);
+  DE::CharToWchar(buffer.get(), units, text.c_str());
+  EXPECT_EQ(std::wstring(buffer.get()), DE::ANSIToUnicode(text));
+
+  const std::wstring wide = L"caf\u00e9 \U0001F600";
+  const int bytes = DE::GetMultiByteToWideCharBufLen(wide.c_str());
+  std::unique_ptr<char[]> narrow(new char[bytes]);
+  DE::WcharToChar(narrow.get(), bytes, wide.c_str());
+  EXPECT_EQ(std::string(narrow.get()), DE::UnicodeToANSI(wide));
+}
+
+}  // namespace
