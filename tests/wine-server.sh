@@ -6,6 +6,7 @@ set -eu
 action=$1
 export WINEPREFIX=$2
 export WINEDEBUG=-all
+export WINEDLLOVERRIDES="winedbg.exe,winemenubuilder.exe=d"
 
 wine_loader=$(command -v wine64 || echo /usr/lib/wine/wine64)
 wine_server=$(command -v wineserver || echo /usr/lib/wine/wineserver)
