@@ -39,9 +39,10 @@ endfunction()
 # System libraries the platform bindings call.
 function(util_link_platform_libraries target)
   if(WIN32)
-    target_link_libraries(${target} PRIVATE ole32 oleaut32 advapi32 shlwapi shell32 version)
+    target_link_libraries(${target} PRIVATE ole32 oleaut32 advapi32 shlwapi shell32 version netapi32 user32)
   else()
-    target_link_libraries(${target} PRIVATE ${CMAKE_DL_LIBS})
+    find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+    target_link_libraries(${target} PRIVATE ${CMAKE_DL_LIBS} OpenSSL::Crypto)
   endif()
 endfunction()
 
