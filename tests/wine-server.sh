@@ -19,6 +19,9 @@ case "$action" in
       "$wine_server" -w
     fi
     "$wine_server" -p </dev/null >/dev/null 2>&1
+    # Start the prefix's services here, with detached streams: otherwise the first test starts
+    # them and they keep its output pipe open, so CTest waits for them until the timeout.
+    "$wine_loader" wineboot </dev/null >/dev/null 2>&1
     echo "wineserver running for $WINEPREFIX"
     ;;
   stop)
