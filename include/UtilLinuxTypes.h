@@ -69,3 +69,19 @@ union LARGE_INTEGER {
   } u;
   LONGLONG QuadPart;
 };
+
+// Where the library keeps its Linux in-process lock (a pthread mutex) for CommonLock: opaque
+// storage of the Windows x64 critical section's size and alignment. Only the library reads it.
+struct CRITICAL_SECTION {
+  alignas(8) unsigned char Opaque[40];
+};
+
+// Same fields as on Windows. lpSecurityDescriptor holds a descriptor from DE::CreateDACL (or
+// null for the default: owner only); the library's named objects understand no other.
+struct SECURITY_ATTRIBUTES {
+  DWORD nLength;
+  LPVOID lpSecurityDescriptor;
+  BOOL bInheritHandle;
+};
+using PSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
