@@ -1,7 +1,7 @@
 # Cross-builds for Windows x64 with Debian's MinGW-w64 (posix threads variant, needed for
 # std::thread/std::mutex) and runs the results under Wine.
 #   cmake -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake ...
-# Dependencies come from scripts/build-windows-deps.sh (same UTIL_DEPS_DIR rule).
+# Dependencies come from scripts/build-windows-deps.sh, in ${UTIL_DEPS_DIR:-$HOME/.cache/util-deps}/mingw64.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -11,11 +11,16 @@ set(CMAKE_C_COMPILER ${UTIL_MINGW_TRIPLE}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${UTIL_MINGW_TRIPLE}-g++-posix)
 set(CMAKE_RC_COMPILER ${UTIL_MINGW_TRIPLE}-windres)
 
-if(DEFINED ENV{UTIL_DEPS_DIR} AND NOT "$ENV{UTIL_DEPS_DIR}" STREQUAL "")
-  set(UTIL_DEPS_PREFIX "$ENV{UTIL_DEPS_DIR}/mingw64")
-else()
-  set(UTIL_DEPS_PREFIX "$ENV{HOME}/.cache/util-deps/mingw64")
+# -DUTIL_DEPS_DIR=... wins over the environment variable; try_compile projects get it passed on.
+if(NOT UTIL_DEPS_DIR)
+  if(DEFINED ENV{UTIL_DEPS_DIR} AND NOT "$ENV{UTIL_DEPS_DIR}" STREQUAL "")
+    set(UTIL_DEPS_DIR "$ENV{UTIL_DEPS_DIR}")
+  else()
+    set(UTIL_DEPS_DIR "$ENV{HOME}/.cache/util-deps")
+  endif()
 endif()
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES UTIL_DEPS_DIR)
+set(UTIL_DEPS_PREFIX "${UTIL_DEPS_DIR}/mingw64")
 
 set(CMAKE_FIND_ROOT_PATH "${UTIL_DEPS_PREFIX}" /usr/${UTIL_MINGW_TRIPLE})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
@@ -29,23 +34,11 @@ set(ENV{PKG_CONFIG_PATH} "")
 # Debian's wine64 package installs the loader in /usr/lib/wine and puts nothing on PATH.
 find_program(UTIL_WINE64 NAMES wine64 PATHS /usr/lib/wine NO_CMAKE_FIND_ROOT_PATH)
 
-# Executables linked against the shared runtime need libstdc++-6, libgcc_s_seh-1 and
-# libwinpthread-1; ask the compiler where they are and hand the dirs to Wine.
-set(UTIL_WINEPATH "")
-foreach(_util_dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${_util_dll}
-                  OUTPUT_VARIABLE _util_dll_path OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
-  if(IS_ABSOLUTE "${_util_dll_path}" AND EXISTS "${_util_dll_path}")
-    get_filename_component(_util_dll_dir "${_util_dll_path}" DIRECTORY)
-    get_filename_component(_util_dll_dir "${_util_dll_dir}" REALPATH)
-    list(APPEND UTIL_WINEPATH "${_util_dll_dir}")
-  endif()
-endforeach()
-list(REMOVE_DUPLICATES UTIL_WINEPATH)
-# Wine separates WINEPATH entries with ';', which is also CMake's list separator.
-string(REPLACE ";" "\\;" _util_winepath_arg "WINEPATH=${UTIL_WINEPATH}")
-
+# Executables linked against the shared MinGW runtime need libstdc++-6, libgcc_s_seh-1 and
+# libwinpthread-1; build-windows-deps.sh copies them into the prefix's bin. One dir keeps
+# WINEPATH free of its ';' separator, which CMake's list handling would split. Z: is Wine's /.
+set(UTIL_WINEPATH "Z:${UTIL_DEPS_PREFIX}/bin")
 if(UTIL_WINE64)
   # Through env so try_run, ctest and gtest_discover_tests find the runtime DLLs without extra setup.
-  set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/env "${_util_winepath_arg}" "${UTIL_WINE64}")
+  set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/env "WINEPATH=${UTIL_WINEPATH}" "${UTIL_WINE64}")
 endif()

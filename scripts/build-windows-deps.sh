@@ -3,14 +3,18 @@
 # posix-threads toolchain, as static libraries, into a cache outside the repository:
 #   prefix  ${UTIL_DEPS_DIR:-$HOME/.cache/util-deps}/mingw64   (printed at the end)
 #   work    ${UTIL_DEPS_DIR:-$HOME/.cache/util-deps}/src       (sources and one log per package)
-# Safe to rerun: a stamp per package (source version + options + compiler) skips what is built.
+# Safe to rerun: a stamp per package (source version, options, toolchain) skips what is built.
+# It also copies the MinGW runtime DLLs (libstdc++-6, libgcc_s_seh-1, libwinpthread-1) into
+# prefix/bin, the one WINEPATH entry that programs linked against them need under Wine.
 #
-# Static link lines for consumers (order matters; all system libraries ship with MinGW-w64):
-#   OpenSSL   -lssl -lcrypto -lws2_32 -lgdi32 -lcrypt32
-#   libcurl   -DCURL_STATICLIB; -lcurl -lssl -lcrypto -lws2_32 -lgdi32 -lcrypt32 -lbcrypt -ladvapi32
-#   tinyxml2  -ltinyxml2            (CMake: find_package(tinyxml2) -> tinyxml2::tinyxml2)
-#   GoogleTest -lgmock -lgtest (+ -lgtest_main / -lgmock_main)   (CMake: find_package(GTest))
-#   nlohmann  header-only           (CMake: find_package(nlohmann_json) -> nlohmann_json::nlohmann_json)
+# Static link lines for consumers, in this order (every system library ships with MinGW-w64;
+# advapi32 and user32 are on gcc's default list but are named so nothing relies on it):
+#   OpenSSL    -lssl -lcrypto -lws2_32 -lcrypt32 -ladvapi32 -luser32
+#   libcurl    -DCURL_STATICLIB; -lcurl -lssl -lcrypto -lws2_32 -lcrypt32 -lbcrypt -ladvapi32 -luser32
+#   tinyxml2   -ltinyxml2                    (CMake: find_package(tinyxml2 CONFIG), tinyxml2::tinyxml2)
+#   GoogleTest -lgmock_main -lgmock -lgtest  (CMake: find_package(GTest CONFIG), GTest::gmock_main...)
+#   nlohmann   header-only                   (CMake: find_package(nlohmann_json CONFIG))
+# bcrypt is for libcurl only. libcrypto.pc also lists gdi32, but nothing here imports from it.
 set -euo pipefail
 shopt -s inherit_errexit
 
@@ -25,34 +29,41 @@ jobs=$(nproc)
 
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo="sudo"
-# As root, apt cannot drop to _apt for downloads into root-owned work dirs; skip the warning.
+# As root, apt cannot hand downloads into root-owned dirs to its _apt user; skip that warning.
 apt_opts=(-qq)
 [ "$(id -u)" -ne 0 ] || apt_opts+=(-o APT::Sandbox::User=root)
 
 # Options are part of each stamp: changing them rebuilds that package.
+# no-module builds the legacy provider into libcrypto instead of a separate DLL.
 openssl_opts=(mingw64 "--cross-compile-prefix=$host-" "--prefix=$prefix" --libdir=lib
-  no-shared no-module no-tests no-ui-console)
+  no-shared no-module no-tests)
+# Only what Util uses (http, https, file, proxies, cookies) plus cheap defaults; --disable-pthreads
+# makes the threaded resolver use Win32 threads, so libcurl needs no winpthread.
 curl_opts=("--host=$host" "--prefix=$prefix" --disable-shared --enable-static
   "--with-openssl=$prefix" --without-zlib --without-brotli --without-zstd --without-libpsl
   --without-libidn2 --without-nghttp2 --without-librtmp --without-libssh2 --without-libssh
   --without-ca-bundle --without-ca-path --disable-ldap --disable-ldaps --disable-rtsp --disable-dict
   --disable-telnet --disable-tftp --disable-pop3 --disable-imap --disable-smtp --disable-gopher
-  --disable-mqtt --disable-manual --disable-ntlm-wb --disable-dependency-tracking)
+  --disable-mqtt --disable-manual --disable-ntlm-wb --disable-pthreads --disable-dependency-tracking)
+# What static libcrypto needs from Windows; curl's configure probes OpenSSL without pkg-config --static.
+openssl_win_libs="-lws2_32 -lcrypt32 -ladvapi32 -luser32"
 cmake_opts=(-G Ninja "-DCMAKE_TOOLCHAIN_FILE=$toolchain" -DCMAKE_BUILD_TYPE=Release
   "-DCMAKE_INSTALL_PREFIX=$prefix" -DCMAKE_INSTALL_LIBDIR=lib -DBUILD_SHARED_LIBS=OFF)
 tinyxml2_opts=(-Dtinyxml2_BUILD_TESTING=OFF)
-# gtest uses Win32 threading primitives on Windows anyway; this keeps pthread out of its CMake targets.
+# gtest uses Win32 threading primitives on Windows anyway; this keeps pthread out of its targets.
 googletest_opts=(-DBUILD_GMOCK=ON -DINSTALL_GTEST=ON -Dgtest_disable_pthreads=ON)
 nlohmann_opts=(-DJSON_BuildTests=OFF -DJSON_Install=ON -DJSON_MultipleHeaders=ON)
 
 "$repo_dir/scripts/install-packages.sh" windows
 
-# apt-get source needs deb-src entries; add them only when no source index is known yet.
-have_sources() { apt-cache showsrc openssl 2>/dev/null | grep '^Package:' >/dev/null; }  # no -q: SIGPIPE vs pipefail
+# No -q on grep: an early exit would SIGPIPE apt-cache and fail the pipeline.
+have_sources() { apt-cache showsrc openssl 2>/dev/null | grep '^Package:' >/dev/null; }
+
+# apt-get source needs deb-src entries; add them only when apt knows no source package yet.
 ensure_deb_src() {
   have_sources && return 0
   local f=/etc/apt/sources.list.d/debian.sources
-  if [ -f "$f" ] && grep -Eq '^Types:' "$f" && ! grep -Eq '^Types:.*deb-src' "$f"; then
+  if [ -f "$f" ] && ! grep -Eq '^Types:.*deb-src' "$f"; then
     $sudo sed -i -E 's/^(Types:.*)$/\1 deb-src/' "$f"
   fi
   f=/etc/apt/sources.list
@@ -61,12 +72,11 @@ ensure_deb_src() {
   fi
   echo "Enabling deb-src and updating apt lists"
   $sudo apt-get update -qq
-  have_sources ||
-    { echo "build-windows-deps.sh: no deb-src entries available after apt-get update" >&2; exit 1; }
+  have_sources || { echo "build-windows-deps.sh: no source packages known after apt-get update" >&2; exit 1; }
 }
 
-# Source versions known to apt, newest first. The newest is not always downloadable (this
-# mirror has returned 404 for bookworm-security sources), so fetch_source falls back in order.
+# Source versions apt knows, newest first. The newest may not download (the mirror here has
+# answered 404 for bookworm-security sources), so fetch_source falls back in this order.
 source_versions() {
   local v i sorted=()
   for v in $(apt-cache showsrc --only-source "$1" | sed -n 's/^Version: //p' | sort -u); do
@@ -77,7 +87,7 @@ source_versions() {
   echo "${sorted[@]}"
 }
 
-fetch_source() { # dir pkg versions... -> unpacks the first version that downloads, prints it
+fetch_source() { # dir pkg versions... -> unpacks the first version that downloads into dir, prints it
   local dir=$1 pkg=$2 v
   shift 2
   for v in "$@"; do
@@ -89,13 +99,13 @@ fetch_source() { # dir pkg versions... -> unpacks the first version that downloa
       return 0
     fi
   done
-  echo "could not fetch any source version of $pkg: $*" >&2
+  echo "could not download any of $pkg $* (stale apt lists? run apt-get update)" >&2
   return 1
 }
 
 build_openssl() {
   cd "$1"
-  # CC is appended to the cross prefix: pin the posix variant whatever the alternatives say.
+  # Configure appends CC to the cross prefix: name the posix variant, whatever the alternatives say.
   CC=gcc-posix CXX=g++-posix ./Configure "${openssl_opts[@]}"
   make -j"$jobs" build_libs
   make install_dev
@@ -103,10 +113,12 @@ build_openssl() {
 
 build_curl() {
   cd "$1"
-  # Look only at our OpenSSL, never at the host's .pc files.
-  PKG_CONFIG_LIBDIR=$prefix/lib/pkgconfig PKG_CONFIG_PATH="" \
+  # pkg-config sees only our OpenSSL, never the host's .pc files.
+  PKG_CONFIG_LIBDIR=$prefix/lib/pkgconfig PKG_CONFIG_PATH="" LIBS="$openssl_win_libs" \
     CC=$host-gcc-posix AR=$host-ar RANLIB=$host-ranlib ./configure "${curl_opts[@]}"
   grep -q '^#define USE_OPENSSL 1' lib/curl_config.h
+  # Needed for CURLSSLOPT_NATIVE_CA: libcurl then loads the Windows CA store into OpenSSL.
+  grep -q '^#define USE_WIN32_CRYPTO 1' lib/curl_config.h
   make -j"$jobs" -C lib
   make -C lib install
   make -C include install
@@ -129,21 +141,32 @@ build_googletest() {
 
 build_nlohmann-json3() {
   cd "$1"
+  # Header-only: configure and install include/nlohmann plus the CMake package files.
   cmake -S . -B build "${cmake_opts[@]}" "${nlohmann_opts[@]}"
   cmake --install build
 }
 
-compiler_id=$($host-g++-posix -dumpfullversion)
+# gcc -dumpfullversion only says '12-posix' here; the package versions catch any toolchain update.
+toolchain_id=$(dpkg-query -W -f='${Version} ' g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev)
+
 stamp_key() { # pkg newest-known-version
-  local opts
+  local opts cmake_key
+  # The CMake builds also depend on what the toolchain file says.
+  cmake_key="${cmake_opts[*]} toolchain-file=$(cksum <"$toolchain")"
   case "$1" in
     openssl) opts="${openssl_opts[*]}" ;;
-    curl) opts="${curl_opts[*]} openssl=$(cat "$stamp_dir/openssl.version" 2>/dev/null)" ;;
-    tinyxml2) opts="${cmake_opts[*]} ${tinyxml2_opts[*]}" ;;
-    googletest) opts="${cmake_opts[*]} ${googletest_opts[*]}" ;;
-    nlohmann-json3) opts="${cmake_opts[*]} ${nlohmann_opts[*]}" ;;
+    curl) opts="${curl_opts[*]} LIBS=$openssl_win_libs openssl=$(cat "$stamp_dir"/openssl* 2>/dev/null | cksum || true)" ;;
+    tinyxml2) opts="$cmake_key ${tinyxml2_opts[*]}" ;;
+    googletest) opts="$cmake_key ${googletest_opts[*]}" ;;
+    nlohmann-json3) opts="$cmake_key ${nlohmann_opts[*]}" ;;
   esac
-  printf '%s newest=%s\ngcc %s\n%s\n' "$1" "$2" "$compiler_id" "$opts"
+  printf '%s newest=%s\ntoolchain %s\n%s\n' "$1" "$2" "$toolchain_id" "$opts"
+}
+
+fail() { # pkg version log
+  printf '%-15s %-24s FAILED, log: %s\n' "$1" "$2" "$3" >&2
+  tail -n 40 "$3" >&2
+  exit 1
 }
 
 build_package() { # pkg
@@ -163,7 +186,7 @@ build_package() { # pkg
   : >"$log"
   fetch_source "$dir" "$pkg" "${versions[@]}" >"$dir.version" 2>>"$log" || fail "$pkg" "${versions[0]}" "$log"
   version=$(cat "$dir.version")
-  # Run in a subshell with errexit on and capture the status: errexit is ignored under || or if.
+  # A subshell with errexit whose status is checked afterwards: under || or if, errexit is off.
   set +e
   (
     set -euo pipefail
@@ -180,10 +203,15 @@ build_package() { # pkg
   printf '%-15s %-24s built in %ds\n' "$pkg" "$version" $((SECONDS - start))
 }
 
-fail() { # pkg version log
-  printf '%-15s %-24s FAILED (log: %s)\n' "$1" "$2" "$3" >&2
-  tail -n 40 "$3" >&2
-  exit 1
+install_runtime_dlls() {
+  local dll path dirs=()
+  mkdir -p "$prefix/bin"
+  for dll in libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll; do
+    path=$(realpath -e "$($host-g++-posix -print-file-name=$dll)")
+    install -C -m 644 "$path" "$prefix/bin/$dll"
+    dirs+=("$(dirname "$path")")
+  done
+  printf '%-15s %-24s from %s\n' "runtime DLLs" "in bin" "$(printf '%s\n' "${dirs[@]}" | sort -u | paste -sd ' ')"
 }
 
 mkdir -p "$work_dir" "$prefix"
@@ -191,4 +219,5 @@ ensure_deb_src
 for pkg in openssl curl tinyxml2 googletest nlohmann-json3; do
   build_package "$pkg"
 done
+install_runtime_dlls
 echo "Windows dependencies: $prefix"

@@ -11,7 +11,7 @@ linux_packages=(
 )
 windows_packages=(
   gcc-mingw-w64-x86-64-posix g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev
-  wine64 dpkg-dev perl make cmake ninja-build
+  wine64 dpkg-dev perl make cmake ninja-build pkg-config
 )
 
 want=()

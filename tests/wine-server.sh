@@ -18,7 +18,8 @@ case "$action" in
       "$wine_loader" wineboot --init </dev/null >/dev/null 2>&1
       "$wine_server" -w
     fi
-    "$wine_server" -p </dev/null >/dev/null 2>&1
+    # A server left running for this prefix (an interrupted run) is reused.
+    "$wine_server" -p </dev/null >/dev/null 2>&1 || true
     # Start the prefix's services here, with detached streams: otherwise the first test starts
     # them and they keep its output pipe open, so CTest waits for them until the timeout.
     "$wine_loader" wineboot </dev/null >/dev/null 2>&1

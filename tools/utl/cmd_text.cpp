@@ -12,9 +12,6 @@ namespace {
 // The bytes to work on: the argument when given, else all of standard input.
 std::string InputBytes(const std::vector<std::string>& args, std::size_t index) {
   if (index < args.size()) return args[index];
-#if defined(_WIN32)
-  std::freopen(nullptr, "rb", stdin);
-#endif
   return std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>());
 }
 

@@ -79,6 +79,8 @@ void PrintLine(const std::string& utf8) { WriteOut(utf8 + "\n"); }
 
 #if defined(_WIN32)
 int wmain(int argc, wchar_t** argv) {
+  // Commands move bytes: no CR/LF translation, no end of input at a 0x1A byte.
+  _setmode(_fileno(stdin), _O_BINARY);
   _setmode(_fileno(stdout), _O_BINARY);
   std::vector<std::string> args;
   for (int i = 1; i < argc; ++i) args.push_back(DE::StringProc::WStringToStringByUTF8(argv[i]));

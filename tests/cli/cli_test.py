@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+"""utl against references: Python's codecs for the conversions, base64/binascii for the
+encodings, and the Windows build of utl (under Wine) for byte-for-byte agreement."""
+import argparse
+import base64
+import binascii
+import os
+import random
+import shutil
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+ARGS = None
+SAMPLES = ["Gr\u00fc\u00dfe \u20ac \u00bd", "\u4e2d\u6587\u6d4b\u8bd5", "plain ASCII", "\U0001F600 smile", ""]
+
+
+def run(command, data=b"", env=None, ok=True):
+    result = subprocess.run(command, input=data, capture_output=True, env=env, timeout=120)
+    if ok and result.returncode != 0:
+        raise AssertionError(f"{command} failed ({result.returncode}): {result.stderr.decode(errors='replace')}")
+    return result
+
+
+def linux_env(codepage):
+    env = dict(os.environ)
+    env["UTIL_ANSI_CODEPAGE"] = codepage
+    return env
+
+
+def utl(args, data=b"", codepage="CP1252", ok=True):
+    return run([ARGS.utl] + args, data, linux_env(codepage), ok)
+
+
+def wine_loader():
+    return shutil.which("wine64") or "/usr/lib/wine/wine64"
+
+
+def windows_utl(args, data=b"", locale="en_US.UTF-8"):
+    build = Path(ARGS.windows_build)
+    env = dict(os.environ)
+    env.update(WINEPREFIX=str(build / "wineprefix"), WINEDEBUG="-all", LANG=locale, LC_ALL=locale,
+               WINEDLLOVERRIDES="winedbg.exe,winemenubuilder.exe=d")
+    return run([wine_loader(), str(build / "bin" / "utl.exe")] + args, data, env)
+
+
+def ill_formed_utf8_corpus():
+    """Every one- to three-byte sequence over bytes that sit on the decoder's boundaries, then
+    random bytes: each byte stream must decode the same way in both builds."""
+    edges = [0x41, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0, 0xC1, 0xC2, 0xDF, 0xE0, 0xE1, 0xED,
+             0xEE, 0xEF, 0xF0, 0xF1, 0xF4, 0xF5, 0xFF]
+    out = bytearray()
+    for a in edges:
+        for b in edges:
+            for c in edges:
+                out += bytes([a, b, c, 0x0A])
+    rng = random.Random(1234)
+    out += bytes(rng.randrange(256) for _ in range(100000))
+    return bytes(out)
+
+
+class ToolAgainstPython(unittest.TestCase):
+    def test_utf8_to_utf16_and_back(self):
+        for text in SAMPLES:
+            utf8 = text.encode("utf-8")
+            self.assertEqual(utl(["convert", "utf8", "utf16"], utf8).stdout, text.encode("utf-16-le"))
+            self.assertEqual(utl(["convert", "utf16", "utf8"], text.encode("utf-16-le")).stdout, utf8)
+
+    def test_ansi_pages(self):
+        for codepage, codec, text in [("CP1252", "cp1252", SAMPLES[0]), ("CP936", "gbk", SAMPLES[1]),
+                                      ("GB18030", "gb18030", SAMPLES[1] + "\U0001F600")]:
+            ansi = text.encode(codec)
+            self.assertEqual(utl(["convert", "utf8", "ansi"], text.encode(), codepage).stdout, ansi, codepage)
+            self.assertEqual(utl(["convert", "ansi", "utf8"], ansi, codepage).stdout, text.encode(), codepage)
+
+    def test_ill_formed_utf8_matches_python_where_python_agrees_with_windows(self):
+        # Python's "replace" handler also emits one U+FFFD per maximal ill-formed subpart for
+        # sequences that are not cut short; a lone continuation or invalid lead is one U+FFFD.
+        for data in [b"\x80", b"a\xffb", b"\xc3(", b"\xe4\xb8|"]:
+            expected = data.decode("utf-8", "replace").encode("utf-16-le")
+            self.assertEqual(utl(["convert", "utf8", "utf16"], data).stdout, expected, data)
+
+    def test_base64_and_hex(self):
+        rng = random.Random(7)
+        for size in [0, 1, 2, 3, 4, 5, 57, 1000]:
+            data = bytes(rng.randrange(256) for _ in range(size))
+            encoded = base64.b64encode(data)
+            self.assertEqual(utl(["base64", "encode"], data).stdout, encoded + b"\n")
+            self.assertEqual(utl(["base64", "decode"], encoded).stdout, data)
+            self.assertEqual(utl(["hex", "encode"], data).stdout, binascii.hexlify(data).upper() + b"\n")
+            self.assertEqual(utl(["hex", "decode"], binascii.hexlify(data)).stdout, data)
+
+    def test_bad_arguments_give_usage_and_exit_2(self):
+        for args in [[], ["no-such-command"], ["convert", "utf8"], ["convert", "utf7", "utf8", "x"],
+                     ["base64", "sideways"], ["time-format"], ["time-convert", "timet", "soon"]]:
+            result = utl(args, ok=False)
+            self.assertEqual(result.returncode, 2, args)
+            self.assertIn(b"usage", result.stderr, args)
+        self.assertEqual(utl(["hex", "decode", "abc"], ok=False).returncode, 1)
+
+
+class ToolAgainstWindowsBuild(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        if not (ARGS.windows_build and (Path(ARGS.windows_build) / "bin" / "utl.exe").exists()):
+            raise unittest.SkipTest("no Windows build named (UTIL_WINDOWS_BUILD_DIR)")
+
+    def test_conversions_agree_byte_for_byte(self):
+        corpus = ill_formed_utf8_corpus()
+        self.assertEqual(windows_utl(["convert", "utf8", "utf16"], corpus).stdout,
+                         utl(["convert", "utf8", "utf16"], corpus).stdout)
+        wide = "".join(SAMPLES).encode("utf-16-le") + b"\x00\xd8x\x00"  # a lone surrogate too
+        for target in ["utf8", "ansi"]:
+            self.assertEqual(windows_utl(["convert", "utf16", target], wide).stdout,
+                             utl(["convert", "utf16", target], wide).stdout, target)
+        ansi_bytes = bytes(range(1, 256))
+        self.assertEqual(windows_utl(["convert", "ansi", "utf16"], ansi_bytes).stdout,
+                         utl(["convert", "ansi", "utf16"], ansi_bytes).stdout)
+
+    def test_double_byte_page_agrees(self):
+        text = (SAMPLES[1] + "\u20ac abc").encode("utf-8")
+        self.assertEqual(windows_utl(["convert", "utf8", "ansi"], text, "zh_CN.UTF-8").stdout,
+                         utl(["convert", "utf8", "ansi"], text, "CP936").stdout)
+
+
+if __name__ == "__main__":
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--utl", required=True)
+    parser.add_argument("--windows-build", default="")
+    ARGS, rest = parser.parse_known_args()
+    unittest.main(argv=[sys.argv[0]] + rest, verbosity=2)
