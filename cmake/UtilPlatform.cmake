@@ -43,6 +43,9 @@ function(util_link_platform_libraries target)
   else()
     find_package(OpenSSL REQUIRED COMPONENTS Crypto)
     target_link_libraries(${target} PRIVATE ${CMAKE_DL_LIBS} OpenSSL::Crypto)
+    # Export the interface only, not the standard-library templates it instantiates.
+    target_link_options(${target} PRIVATE -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/libUtil.map)
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/libUtil.map)
   endif()
 endfunction()
 

@@ -8,3 +8,9 @@ if(NOT CMAKE_CROSSCOMPILING)
                    --utl $<TARGET_FILE:utl> --windows-build "${UTIL_WINDOWS_BUILD_DIR}")
   set_tests_properties(cli_tool PROPERTIES TIMEOUT 600)
 endif()
+
+if(NOT CMAKE_CROSSCOMPILING)
+  add_test(NAME exports
+           COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/exports_test.py
+                   --library $<TARGET_FILE:Util> --windows-build "${UTIL_WINDOWS_BUILD_DIR}")
+endif()
