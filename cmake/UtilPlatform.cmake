@@ -47,6 +47,9 @@ function(util_link_platform_libraries target)
     target_link_options(${target} PRIVATE -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/libUtil.map)
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${CMAKE_SOURCE_DIR}/cmake/libUtil.map)
   endif()
+  # XML under config/: Debian's shared libtinyxml2 on Linux, the static one of the deps prefix on Windows.
+  find_package(tinyxml2 CONFIG REQUIRED)
+  target_link_libraries(${target} PRIVATE tinyxml2::tinyxml2)
 endfunction()
 
 # Programs and the library land side by side, so Windows programs find Util.dll next to them.
