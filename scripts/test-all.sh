@@ -16,7 +16,9 @@ status=0
 run_suite() {  # run_suite <flavour> [ctest arguments...]
   local flavour=$1
   shift
+  # Fresh reports each run; the folder must exist, as the Windows GoogleTest will not create it.
   rm -rf "build/$flavour/test-results"
+  mkdir -p "build/$flavour/test-results"
   echo "== testing $flavour"
   ctest --test-dir "build/$flavour" --output-junit ctest-junit.xml "$@" || status=1
 }
