@@ -4,7 +4,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/install-packages.sh" linux
-"$root/scripts/build.sh" linux -DUTIL_BUILD_TESTS=OFF >/dev/null
+"$root/scripts/build.sh" linux
 utl="$root/build/linux/bin/utl"
 
 if [ $# -gt 0 ]; then
