@@ -60,7 +60,8 @@ class UTIL_API CommonCfgMgr {
   bool IsSupport(const std::string& package);
 
  private:
-  friend struct CommonCfgMgrTestPeer;  // builds instances from test files with fake facts
+  // Defined by the tests and the utl tool to load a given file (tests: with fake facts).
+  friend struct CommonCfgMgrInspector;
 
   // The machine values the support tests judge; see the file comment for their sources.
   struct Facts {

@@ -17,7 +17,7 @@
 #include "UtilExport.h"
 
 class ZnXmlElement;
-struct ProductFeatureTestPeer;
+struct ProductFeatureInspector;
 
 namespace ProductAdapt {
 
@@ -48,7 +48,7 @@ class UTIL_API ProductFeature {
   int GetPowerSafeMgrStatus(bool& out) const;
 
  private:
-  friend struct ::ProductFeatureTestPeer;  // loads test files
+  friend struct ::ProductFeatureInspector;  // the tests and utl load given files through it
 
   ProductFeature();
   ProductFeature(const ProductFeature&) = delete;

@@ -23,7 +23,7 @@
 
 #include "UtilExport.h"
 
-struct UrlsManagerTestPeer;
+struct UrlsManagerInspector;
 
 namespace qda {
 namespace util {
@@ -44,7 +44,7 @@ class UTIL_API UrlsManager {
   UrlsManager& operator=(const UrlsManager&) = delete;
 
  private:
-  friend struct ::UrlsManagerTestPeer;
+  friend struct ::UrlsManagerInspector;  // the tests and utl load given files through it
 
   UrlsManager();  // the shipped table and the cached copy
   UrlsManager(const std::string& shippedPath, const std::string& cachePath);

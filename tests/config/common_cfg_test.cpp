@@ -8,7 +8,7 @@
 #include "common/temp_dir.h"
 
 // Builds instances from test files, with machine facts the test chooses.
-struct CommonCfgMgrTestPeer {
+struct CommonCfgMgrInspector {
   static CommonCfgMgr::Facts facts;
   static int factsCalls;
   static CommonCfgMgr::Facts Fake() {
@@ -22,12 +22,12 @@ struct CommonCfgMgrTestPeer {
     facts = CommonCfgMgr::Facts{component, os, pxs, device, ""};
   }
 };
-CommonCfgMgr::Facts CommonCfgMgrTestPeer::facts;
-int CommonCfgMgrTestPeer::factsCalls = 0;
+CommonCfgMgr::Facts CommonCfgMgrInspector::facts;
+int CommonCfgMgrInspector::factsCalls = 0;
 
 namespace {
 
-using Peer = CommonCfgMgrTestPeer;
+using Peer = CommonCfgMgrInspector;
 
 CommonCfgMgr LoadText(const test::TempDir& dir, const std::string& xml) {
   const auto path = dir.File("commoncfg.xml");

@@ -7,7 +7,7 @@
 #include "ProductFeature.h"
 #include "common/temp_dir.h"
 
-struct ProductFeatureTestPeer {
+struct ProductFeatureInspector {
   static std::unique_ptr<ProductAdapt::ProductFeature> Fresh() {
     return std::unique_ptr<ProductAdapt::ProductFeature>(new ProductAdapt::ProductFeature());
   }
@@ -19,7 +19,7 @@ struct ProductFeatureTestPeer {
 
 namespace {
 
-using Peer = ProductFeatureTestPeer;
+using Peer = ProductFeatureInspector;
 using ProductAdapt::ProductFeature;
 using Getter = int (ProductFeature::*)(bool&) const;
 

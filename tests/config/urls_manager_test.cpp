@@ -7,7 +7,7 @@
 #include "UrlsManager.h"
 #include "common/temp_dir.h"
 
-struct UrlsManagerTestPeer {
+struct UrlsManagerInspector {
   static std::unique_ptr<qda::util::UrlsManager> Load(const std::string& shipped, const std::string& cache) {
     return std::unique_ptr<qda::util::UrlsManager>(new qda::util::UrlsManager(shipped, cache));
   }
@@ -31,7 +31,7 @@ const char kShipped[] =
 TEST(UrlsManager, ShippedTableAndAreas) {
   test::TempDir dir;
   ASSERT_TRUE(test::WriteFileBytes(dir.File("shipped.xml"), kShipped));
-  auto urls = UrlsManagerTestPeer::Load(dir.File("shipped.xml").string(), dir.File("none.xml").string());
+  auto urls = UrlsManagerInspector::Load(dir.File("shipped.xml").string(), dir.File("none.xml").string());
   EXPECT_EQ("https://www.example.com/", urls->GetUrl("util"));  // trimmed; the first entry counts
   EXPECT_EQ("https://os.example.com/", urls->GetUrl("oobe_agreement_terms", "over_sea"));
   EXPECT_EQ("https://global.example.com/", urls->GetUrl("oobe_agreement_terms"));
@@ -53,14 +53,14 @@ TEST(UrlsManager, CachedCopyWinsPerEntry) {
                            "<u><url name=\"oobe_agreement_terms\" area=\"over_sea\">https://new.example.com/"
                            "</url><url name=\"cache_only\">https://c.example.com/</url>"
                            "<url name=\"util\"> </url></u>"));
-  auto urls = UrlsManagerTestPeer::Load(dir.File("shipped.xml").string(), dir.File("cache.xml").string());
+  auto urls = UrlsManagerInspector::Load(dir.File("shipped.xml").string(), dir.File("cache.xml").string());
   EXPECT_EQ("https://new.example.com/", urls->GetUrl("oobe_agreement_terms", "over_sea"));
   EXPECT_EQ("https://global.example.com/", urls->GetUrl("oobe_agreement_terms"));
   EXPECT_EQ("https://c.example.com/", urls->GetUrl("cache_only"));
   EXPECT_EQ("https://www.example.com/", urls->GetUrl("util"));  // a blank cached entry does not erase
 
   // Only the cache, or only damaged files.
-  auto cacheOnly = UrlsManagerTestPeer::Load("", dir.File("cache.xml").string());
+  auto cacheOnly = UrlsManagerInspector::Load("", dir.File("cache.xml").string());
   EXPECT_EQ("https://c.example.com/", cacheOnly->GetUrl("cache_only"));
   EXPECT_EQ("", cacheOnly->GetUrl("shipped_only"));
 }
@@ -74,17 +74,17 @@ TEST(UrlsManager, DamagedFilesContributeNothing) {
                                  std::string("\xFF\xFE<\0u\0/\0>\0", 10), deep};
   for (const std::string& bytes : damaged) {
     ASSERT_TRUE(test::WriteFileBytes(dir.File("cache.xml"), bytes));
-    auto urls = UrlsManagerTestPeer::Load(dir.File("shipped.xml").string(), dir.File("cache.xml").string());
+    auto urls = UrlsManagerInspector::Load(dir.File("shipped.xml").string(), dir.File("cache.xml").string());
     EXPECT_EQ("https://www.example.com/", urls->GetUrl("util"));
     EXPECT_EQ("", urls->GetUrl("deep"));
   }
-  auto folder = UrlsManagerTestPeer::Load(dir.Path().string(), dir.Path().string());
+  auto folder = UrlsManagerInspector::Load(dir.Path().string(), dir.Path().string());
   EXPECT_EQ("", folder->GetUrl("util"));
 
   // A very long URL survives whole.
   const std::string longUrl = "https://l.example.com/" + std::string(1 << 20, 'a');
   ASSERT_TRUE(test::WriteFileBytes(dir.File("long.xml"), "<u><url name=\"l\">" + longUrl + "</url></u>"));
-  EXPECT_EQ(longUrl, UrlsManagerTestPeer::Load(dir.File("long.xml").string(), "")->GetUrl("l"));
+  EXPECT_EQ(longUrl, UrlsManagerInspector::Load(dir.File("long.xml").string(), "")->GetUrl("l"));
 
   EXPECT_EQ(&qda::util::UrlsManager::Instance(), &qda::util::UrlsManager::Instance());
 }
