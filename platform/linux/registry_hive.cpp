@@ -188,6 +188,29 @@ LONG Hive::InitializeSchema() {
   if (version != 0) return 0;  // made already (or foreign: Verify says so)
   LONG code = Begin(true);
   if (code != 0) return code;
+  // Tables without our version mark: another program's database, left untouched.
+  if (version == 0) {
+    sqlite3_stmt* raw = nullptr;
+    code = Prepare(
+        "SELECT count(*) FROM sqlite_master WHERE name NOT IN ('keys','vals','keys_child','vals_name',"
+        "'sqlite_sequence')",
+        &raw);
+    Statement statement(raw);
+    if (code == 0 && sqlite3_step(raw) == SQLITE_ROW && sqlite3_column_int(raw, 0) > 0) code = kRegErrorBadDb;
+    if (code == 0) {
+      sqlite3_stmt* columns = nullptr;
+      // A "keys" table of another shape is foreign too.
+      code = Prepare(
+          "SELECT count(*) FROM pragma_table_info('keys') WHERE name NOT IN"
+          " ('id','parent','name','folded','written')",
+          &columns);
+      Statement check(columns);
+      if (code == 0 && sqlite3_step(columns) == SQLITE_ROW && sqlite3_column_int(columns, 0) > 0) {
+        code = kRegErrorBadDb;
+      }
+    }
+    if (code != 0) return End(code);
+  }
   // Another process may have made it meanwhile; the statements below tolerate that.
   code = Exec(
       "CREATE TABLE IF NOT EXISTS keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL,"

@@ -118,7 +118,21 @@ LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, 
   const bool writable = CanWrite(file);
   if (create && writable) {
     const std::string folder = file.substr(0, file.find_last_of('/'));
-    EnsureDirectory(folder, 0755);
+    if (folder == UsersFolder()) {
+      EnsureDirectory(StoreDirectory(), 0755);
+      // Like /tmp: every user may add its own hive, none may remove another's.
+      if (::mkdir(folder.c_str(), 01777) == 0) ::chmod(folder.c_str(), 01777);
+    } else {
+      EnsureDirectory(folder, 0755);
+    }
+  }
+  // A Unix user's hive must belong to that user (or root): a file another user planted first
+  // is refused.
+  const std::string base = file.substr(file.find_last_of('/') + 1);
+  struct stat existing;
+  if (base.compare(0, 9, "S-1-22-1-") == 0 && ::stat(file.c_str(), &existing) == 0) {
+    const uid_t expected = OwnerOfSid(base.substr(0, base.size() - 5));
+    if (existing.st_uid != expected && existing.st_uid != 0) return static_cast<LONG>(kErrorAccessDenied);
   }
   const LONG code = Hive::Open(file, create, writable, isPrivate, owner, hive);
   if (code == 0) HiveCache()[file] = hive;

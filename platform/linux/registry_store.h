@@ -5,6 +5,7 @@
 // every open of a predefined key):
 //   machine.hive          HKEY_LOCAL_MACHINE; mode 0644, writable by its owner (root) only
 //   users/<SID>.hive      HKEY_USERS\<SID>; mode 0600, owned by the user of S-1-22-1-<uid>
+//                         (users/ is 01777: each user adds its own hive; one a stranger owns is refused)
 // HKEY_CURRENT_USER is HKEY_USERS\S-1-22-1-<euid>. HKEY_CLASSES_ROOT is the machine's
 // SOFTWARE\Classes and HKEY_CURRENT_CONFIG the machine's
 // SYSTEM\CurrentControlSet\Hardware Profiles\Current (the keys Windows links them to; the
