@@ -7,6 +7,7 @@
 #include <string>
 
 #include "DEOSVersion.h"
+#include "common/child_process.h"
 #include "common/platform_info.h"
 #include "common/temp_dir.h"
 
@@ -108,6 +109,38 @@ TEST(OSVersion, AgreesWithTheWorkstationService) {
   ASSERT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&record)));
   EXPECT_EQ(static_cast<int>(record.wServicePackMajor), v.ServicePackMajor());
   EXPECT_EQ(static_cast<int>(record.wServicePackMinor), v.ServicePackMinor());
+}
+
+// Child: the version this process sees, as major * 100 + minor, plus 10000 unless the build is 0
+// and the name is "Windows".
+TEST_CHILD_MAIN(osversion_report) {
+  const DE::OSVersion v;
+  const int numbers = v.Major() * 100 + v.Minor();
+  return v.Build() == 0 && v.Name() == L"Windows" ? numbers : 10000 + numbers;
+}
+
+// Wine chooses the Windows release it reports per program (AppDefaults\<exe>\Version). Run as
+// "win10", this program (whose manifest declares Windows 10 support) sees the workstation service
+// answer 10.0, which comes out as build 0 and the plain name "Windows".
+TEST(OSVersion, WindowsTenUnderWine) {
+  HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+  if (ntdll == nullptr || GetProcAddress(ntdll, "wine_get_version") == nullptr) {
+    GTEST_SKIP() << "not running under Wine; the release cannot be chosen per program";
+  }
+  wchar_t self[MAX_PATH] = {};
+  ASSERT_NE(0u, GetModuleFileNameW(nullptr, self, MAX_PATH));
+  const std::wstring exe = std::filesystem::path(self).filename().wstring();
+  const std::wstring key = L"Software\\Wine\\AppDefaults\\" + exe;
+  HKEY handle = nullptr;
+  ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
+                                           nullptr, &handle, nullptr));
+  const wchar_t version[] = L"win10";
+  RegSetValueExW(handle, L"Version", 0, REG_SZ, reinterpret_cast<const BYTE*>(version), sizeof(version));
+  RegCloseKey(handle);
+  const int result = test::RunSelf({"osversion_report"}, 60000);
+  RegDeleteKeyW(HKEY_CURRENT_USER, key.c_str());
+  // 10.0 from the workstation service, build 0, named just "Windows".
+  EXPECT_EQ(1000, result);
 }
 
 #else
