@@ -55,6 +55,41 @@ DWORD RegistryTypeOf(RegDataType dataType) {
   }
 }
 
+namespace {
+
+// In the order a root name is looked for.
+const struct {
+  const wchar_t* name;
+  HKEY key;
+} kRootNames[] = {
+    {L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+    {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+    {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+    {L"HKEY_USERS", HKEY_USERS},
+    {L"HKEY_PERFORMANCE_DATA", HKEY_PERFORMANCE_DATA},
+    {L"HKEY_PERFORMANCE_TEXT", HKEY_PERFORMANCE_TEXT},
+    {L"HKEY_PERFORMANCE_NLSTEXT", HKEY_PERFORMANCE_NLSTEXT},
+    {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
+    {L"HKEY_DYN_DATA", HKEY_DYN_DATA},
+    {L"HKEY_CURRENT_USER_LOCAL_SETTINGS", HKEY_CURRENT_USER_LOCAL_SETTINGS},
+};
+
+}  // namespace
+
+HKEY RootKeyByName(const std::wstring& upperName) {
+  for (const auto& root : kRootNames) {
+    if (upperName == root.name) return root.key;
+  }
+  return nullptr;
+}
+
+std::wstring RootKeyName(HKEY key) {
+  for (const auto& root : kRootNames) {
+    if (key == root.key) return root.name;
+  }
+  return std::wstring();
+}
+
 }  // namespace detail
 
 Registry::Registry()

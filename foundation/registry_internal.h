@@ -15,4 +15,9 @@ RegDataType DataTypeOf(DWORD registryType);
 // The reverse; rdUnknown -> REG_NONE.
 DWORD RegistryTypeOf(RegDataType dataType);
 
+// The predefined key named exactly (upper case, e.g. "HKEY_LOCAL_MACHINE"); null for no name.
+HKEY RootKeyByName(const std::wstring& upperName);
+// The full name of a predefined key; "" for another handle.
+std::wstring RootKeyName(HKEY key);
+
 }  // namespace DE::detail

@@ -6,6 +6,7 @@
 #include "DERegistry.h"
 #include "DEString.h"
 #include "foundation/registry_api.h"
+#include "foundation/registry_internal.h"
 #include "foundation/text_codec.h"
 #include "foundation/utf16.h"
 
@@ -136,24 +137,8 @@ HKEY Registry::FeathRootKey(std::wstring path, std::wstring& rest) {
   if (!path.empty() && path[0] == L'\\') path.erase(0, 1);
   rest = path;
   const std::wstring head = UpperCase(Fetch(rest, L"\\"));
-  static const struct {
-    const wchar_t* name;
-    HKEY key;
-  } kRoots[] = {
-      {L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-      {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-      {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-      {L"HKEY_USERS", HKEY_USERS},
-      {L"HKEY_PERFORMANCE_DATA", HKEY_PERFORMANCE_DATA},
-      {L"HKEY_PERFORMANCE_TEXT", HKEY_PERFORMANCE_TEXT},
-      {L"HKEY_PERFORMANCE_NLSTEXT", HKEY_PERFORMANCE_NLSTEXT},
-      {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
-      {L"HKEY_DYN_DATA", HKEY_DYN_DATA},
-      {L"HKEY_CURRENT_USER_LOCAL_SETTINGS", HKEY_CURRENT_USER_LOCAL_SETTINGS},
-  };
-  for (const auto& root : kRoots) {
-    if (head == root.name) return root.key;
-  }
+  const HKEY root = detail::RootKeyByName(head);
+  if (root != nullptr) return root;
   rest = path;
   return RootKey;
 }

@@ -1,0 +1,133 @@
+// .reg files applied to and taken from the registry, through the registry binding.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+#include "DERegistry.h"
+#include "DERegistryFile.h"
+#include "DEString.h"
+#include "foundation/registry_api.h"
+#include "foundation/registry_file.h"
+#include "foundation/registry_internal.h"
+
+namespace DE {
+
+namespace {
+
+constexpr int kInvalidData = 13;
+constexpr int kInvalidParameter = 87;
+constexpr DWORD kKeyRead = 0x20019;
+constexpr DWORD kKeyAllAccess = 0xF003F;
+
+LONG ExportKey(HKEY key, const std::wstring& path, std::vector<detail::RegFileKey>& out) {
+  detail::RegApiKeyInfo info;
+  LONG code = detail::RegApiQueryInfoKey(key, &info);
+  if (code != 0) return code;
+  detail::RegFileKey entry;
+  entry.path = path;
+  std::vector<wchar_t> name(std::max(info.maxValueNameLen, info.maxSubKeyLen) + 2);
+  for (DWORD index = 0; index < info.values; ++index) {
+    DWORD chars = static_cast<DWORD>(name.size());
+    if (detail::RegApiEnumValue(key, index, name.data(), &chars) != 0) continue;
+    detail::RegFileValue value;
+    value.name.assign(name.data(), chars);
+    DWORD size = 0;
+    if (detail::RegApiQueryValue(key, value.name.c_str(), &value.type, nullptr, &size) != 0) continue;
+    value.data.resize(size);
+    code = detail::RegApiQueryValue(key, value.name.c_str(), &value.type,
+                                    reinterpret_cast<BYTE*>(&value.data[0]), &size);
+    if (code != 0) return code;
+    value.data.resize(size);
+    entry.values.push_back(value);
+  }
+  out.push_back(entry);
+  for (DWORD index = 0; index < info.subKeys; ++index) {
+    DWORD chars = static_cast<DWORD>(name.size());
+    if (detail::RegApiEnumKey(key, index, name.data(), &chars) != 0) continue;
+    const std::wstring child(name.data(), chars);
+    HKEY sub = nullptr;
+    if (detail::RegApiOpenKey(key, child.c_str(), kKeyRead, &sub) != 0) continue;
+    code = ExportKey(sub, path + L"\\" + child, out);
+    detail::RegApiCloseKey(sub);
+    if (code != 0) return code;
+  }
+  return 0;
+}
+
+bool ReadFile(const std::wstring& fileName, std::string& bytes) {
+  std::ifstream in(std::filesystem::path(fileName), std::ios::binary);
+  if (!in) return false;
+  bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  return true;
+}
+
+LONG ApplyKey(const detail::RegFileKey& key, HKEY root, const std::wstring& rest) {
+  if (key.remove) {
+    Registry registry;
+    registry.SetRootKey(root);
+    if (!registry.DeleteKey(L"\\" + rest) && registry.GetLastError() != 2) return registry.GetLastError();
+    return 0;
+  }
+  HKEY handle = nullptr;
+  LONG code = detail::RegApiCreateKey(root, rest.c_str(), kKeyAllAccess, &handle, nullptr);
+  if (code != 0) return code;
+  for (const detail::RegFileValue& value : key.values) {
+    if (value.remove) {
+      code = detail::RegApiDeleteValue(handle, value.name.c_str());
+      if (code == 2) code = 0;
+    } else {
+      code = detail::RegApiSetValue(handle, value.name.c_str(), value.type,
+                                    reinterpret_cast<const BYTE*>(value.data.data()),
+                                    static_cast<DWORD>(value.data.size()));
+    }
+    if (code != 0) break;
+  }
+  detail::RegApiCloseKey(handle);
+  return code;
+}
+
+}  // namespace
+
+int ExportRegistryFile(HKEY root, const std::wstring& path, const std::wstring& fileName) {
+  const std::wstring rootName = detail::RootKeyName(root);
+  if (rootName.empty()) return kInvalidParameter;
+  bool relative = true;
+  const std::wstring sub = detail::StripPath(path, relative);
+  HKEY key = nullptr;
+  LONG code = detail::RegApiOpenKey(root, sub.c_str(), kKeyRead, &key);
+  if (code != 0) return code;
+  std::vector<detail::RegFileKey> keys;
+  code = ExportKey(key, sub.empty() ? rootName : rootName + L"\\" + sub, keys);
+  detail::RegApiCloseKey(key);
+  if (code != 0) return code;
+  const std::string bytes = detail::EncodeRegFileBytes(detail::FormatRegFile(keys));
+  std::ofstream out(std::filesystem::path(fileName), std::ios::binary | std::ios::trunc);
+  if (!out || !out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())) || !out.flush()) {
+    return 29;  // ERROR_WRITE_FAULT
+  }
+  return 0;
+}
+
+int ImportRegistryFile(const std::wstring& fileName) {
+  std::string bytes;
+  if (!ReadFile(fileName, bytes)) return 2;  // ERROR_FILE_NOT_FOUND
+  std::vector<detail::RegFileKey> keys;
+  std::string error;
+  if (!detail::ParseRegFile(detail::DecodeRegFileBytes(bytes), keys, error)) return kInvalidData;
+  int result = 0;
+  for (const detail::RegFileKey& key : keys) {
+    std::wstring rest = key.path;
+    const HKEY root = detail::RootKeyByName(UpperCase(Fetch(rest, L"\\")));
+    if (root == nullptr) {
+      result = kInvalidParameter;
+      continue;
+    }
+    const LONG code = ApplyKey(key, root, rest);
+    if (code != 0) return code;
+  }
+  return result;
+}
+
+}  // namespace DE

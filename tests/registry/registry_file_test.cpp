@@ -1,0 +1,103 @@
+// .reg import and export against hand-written REGEDIT5 text, on both builds.
+#include <string>
+
+#include "DERegistry.h"
+#include "DERegistryFile.h"
+#include "common/temp_dir.h"
+#include "registry_test_util.h"
+
+namespace {
+
+using DE::Registry;
+using test::RegistryTest;
+using test::TestKeyPath;
+
+std::string FileBytes(const std::u16string& text) { return "\xFF\xFE" + test::Utf16Bytes(text); }
+
+std::u16string Path16() {
+  const std::wstring& path = TestKeyPath();
+  return std::u16string(path.begin(), path.end());
+}
+
+std::string Raw(Registry& registry, const std::wstring& name) {
+  std::string bytes(256, '\0');
+  int size = 256;
+  DE::RegDataType type;
+  if (!registry.GetData(name, &bytes[0], size, type)) return "<failed>";
+  return bytes.substr(0, static_cast<size_t>(size));
+}
+
+TEST_F(RegistryTest, ImportAndExportRegFiles) {
+  test::TempDir folder;
+  const std::u16string key = u"HKEY_CURRENT_USER\\" + Path16() + u"\\Reg";
+  // Values in name order, as both registries then list them the same way.
+  const std::u16string text =
+      u"Windows Registry Editor Version 5.00\r\n\r\n"
+      u"[" +
+      key +
+      u"]\r\n"
+      u"@=\"default \\\"quoted\\\" \\\\ back\"\r\n"
+      u"\"Bin\"=hex:00,01,fe,ff\r\n"
+      u"\"Dw\"=dword:0000000a\r\n"
+      u"\"Exp\"=hex(2):25,00,54,00,00,00\r\n"
+      u"\"Multi\"=hex(7):61,00,00,00,62,00,00,00,00,00\r\n"
+      u"\"None\"=hex(0):\r\n"
+      u"\"Q\"=hex(b):01,02,03,04,05,06,07,08\r\n"
+      // regedit breaks a hex list after the comma that reaches column 77.
+      u"\"Wrapped\"=hex:00,01,02,03,04,05,06,07,08,09,0a,0b,0c,0d,0e,0f,10,11,12,13,14,\\\r\n"
+      u"  15,16,17,18,19\r\n"
+      u"\r\n"
+      u"[" +
+      key +
+      u"\\Child]\r\n"
+      u"\"s\"=\"\u00e9\u4e2d\"\r\n"
+      u"\r\n";
+  const auto file = folder.File("in.reg");
+  ASSERT_TRUE(test::WriteFileBytes(file, FileBytes(text)));
+  ASSERT_EQ(0, DE::ImportRegistryFile(file.wstring()));
+
+  Registry registry;
+  ASSERT_TRUE(registry.OpenKey(L"\\" + TestKeyPath() + L"\\Reg", false));
+  std::wstring value;
+  ASSERT_TRUE(registry.ReadString(L"", value));
+  EXPECT_EQ(L"default \"quoted\" \\ back", value);
+  EXPECT_EQ(std::string("\x00\x01\xfe\xff", 4), Raw(registry, L"Bin"));
+  int number = 0;
+  ASSERT_TRUE(registry.ReadInteger(L"Dw", number));
+  EXPECT_EQ(10, number);
+  ASSERT_TRUE(registry.ReadString(L"Exp", value));
+  EXPECT_EQ(L"%T", value);
+  EXPECT_EQ(std::string("a\0\0\0b\0\0\0\0\0", 10), Raw(registry, L"Multi"));
+  EXPECT_EQ(DE::rdUnknown, registry.GetDataType(L"Multi"));
+  EXPECT_EQ(0, registry.GetDataSize(L"None"));
+  EXPECT_EQ(std::string("\x01\x02\x03\x04\x05\x06\x07\x08"), Raw(registry, L"Q"));
+  EXPECT_EQ(26, registry.GetDataSize(L"Wrapped"));
+  std::wstring child;
+  ASSERT_TRUE(Registry::GetValue(HKEY_CURRENT_USER, TestKeyPath() + L"\\Reg\\Child", L"s", child, 0));
+  EXPECT_EQ(L"\u00e9\u4e2d", child);
+
+  // Export gives the same text back: the import file is already in regedit's form.
+  const auto exported = folder.File("out.reg");
+  ASSERT_EQ(0, DE::ExportRegistryFile(HKEY_CURRENT_USER, TestKeyPath() + L"\\Reg", exported.wstring()));
+  EXPECT_EQ(FileBytes(text), test::ReadFileBytes(exported));
+
+  // Deletions: a value and a key with its sub-keys.
+  const std::u16string removal = u"Windows Registry Editor Version 5.00\r\n\r\n[" + key +
+                                 u"]\r\n\"Dw\"=-\r\n\r\n[-" + key + u"\\Child]\r\n";
+  ASSERT_TRUE(test::WriteFileBytes(file, FileBytes(removal)));
+  ASSERT_EQ(0, DE::ImportRegistryFile(file.wstring()));
+  EXPECT_FALSE(registry.ValueExists(L"Dw"));
+  EXPECT_TRUE(registry.ValueExists(L"Bin"));
+  EXPECT_FALSE(registry.KeyExists(L"Child"));
+
+  // Not a registry file: nothing applied.
+  ASSERT_TRUE(test::WriteFileBytes(file, FileBytes(u"[" + key + u"]\r\n\"Dw\"=dword:1\r\n")));
+  EXPECT_EQ(13, DE::ImportRegistryFile(file.wstring()));
+  EXPECT_FALSE(registry.ValueExists(L"Dw"));
+  ASSERT_TRUE(test::WriteFileBytes(
+      file, FileBytes(u"Windows Registry Editor Version 5.00\r\n[" + key + u"]\r\n\"Dw\"=dword:1zz\r\n")));
+  EXPECT_EQ(13, DE::ImportRegistryFile(file.wstring()));
+  EXPECT_EQ(2, DE::ImportRegistryFile(folder.File("missing.reg").wstring()));
+}
+
+}  // namespace
