@@ -144,6 +144,8 @@ UTIL_API int GetMultiByteToWideCharBufLen(const wchar_t* s);
 // printf-style; "" for a null format, an empty result, a format error, or 4094 or more
 // characters (never a truncated text). The wide forms follow the Windows reading of the format
 // on both platforms: %s and %c take wide arguments, %S and %C narrow ones.
+// Beware on Windows, where va_list is char*: FormatString("%s", p) with a non-const char* p as
+// the only argument picks the va_list overload. Pass a const char* (or add an argument).
 UTIL_API std::string FormatString(const char* fmt, ...);
 UTIL_API std::string FormatString(const char* fmt, va_list args);
 UTIL_API std::wstring FormatString(const wchar_t* fmt, ...);
