@@ -90,7 +90,7 @@ LONG ApplyKey(const detail::RegFileKey& key, HKEY root, const std::wstring& rest
 
 }  // namespace
 
-int ExportRegistryFile(HKEY root, const std::wstring& path, const std::wstring& fileName) {
+int ExportRegistryText(HKEY root, const std::wstring& path, std::wstring& text) {
   const std::wstring rootName = detail::RootKeyName(root);
   if (rootName.empty()) return kInvalidParameter;
   bool relative = true;
@@ -101,8 +101,15 @@ int ExportRegistryFile(HKEY root, const std::wstring& path, const std::wstring& 
   std::vector<detail::RegFileKey> keys;
   code = ExportKey(key, sub.empty() ? rootName : rootName + L"\\" + sub, keys);
   detail::RegApiCloseKey(key);
+  if (code == 0) text = detail::FormatRegFile(keys);
+  return code;
+}
+
+int ExportRegistryFile(HKEY root, const std::wstring& path, const std::wstring& fileName) {
+  std::wstring text;
+  const int code = ExportRegistryText(root, path, text);
   if (code != 0) return code;
-  const std::string bytes = detail::EncodeRegFileBytes(detail::FormatRegFile(keys));
+  const std::string bytes = detail::EncodeRegFileBytes(text);
   std::ofstream out(std::filesystem::path(fileName), std::ios::binary | std::ios::trunc);
   if (!out || !out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())) || !out.flush()) {
     return 29;  // ERROR_WRITE_FAULT
@@ -110,12 +117,10 @@ int ExportRegistryFile(HKEY root, const std::wstring& path, const std::wstring& 
   return 0;
 }
 
-int ImportRegistryFile(const std::wstring& fileName) {
-  std::string bytes;
-  if (!ReadFile(fileName, bytes)) return 2;  // ERROR_FILE_NOT_FOUND
+int ImportRegistryText(const std::wstring& text) {
   std::vector<detail::RegFileKey> keys;
   std::string error;
-  if (!detail::ParseRegFile(detail::DecodeRegFileBytes(bytes), keys, error)) return kInvalidData;
+  if (!detail::ParseRegFile(text, keys, error)) return kInvalidData;
   int result = 0;
   for (const detail::RegFileKey& key : keys) {
     std::wstring rest = key.path;
@@ -128,6 +133,12 @@ int ImportRegistryFile(const std::wstring& fileName) {
     if (code != 0) return code;
   }
   return result;
+}
+
+int ImportRegistryFile(const std::wstring& fileName) {
+  std::string bytes;
+  if (!ReadFile(fileName, bytes)) return 2;  // ERROR_FILE_NOT_FOUND
+  return ImportRegistryText(detail::DecodeRegFileBytes(bytes));
 }
 
 }  // namespace DE

@@ -16,4 +16,9 @@ UTIL_API int ExportRegistryFile(HKEY root, const std::wstring& path, const std::
 // is applied then). An unknown root name gives ERROR_INVALID_PARAMETER (87) after the rest is applied.
 UTIL_API int ImportRegistryFile(const std::wstring& fileName);
 
+// The same as text (no byte-order mark): the file's content for root\path.
+UTIL_API int ExportRegistryText(HKEY root, const std::wstring& path, std::wstring& text);
+// Applies .reg text as ImportRegistryFile applies a file's.
+UTIL_API int ImportRegistryText(const std::wstring& text);
+
 }  // namespace DE

@@ -1,0 +1,10 @@
+# The registry suite, and (Linux build) the .reg interchange with the Windows build under Wine.
+util_add_gtest(registry registry_test)
+if(NOT CMAKE_CROSSCOMPILING AND TARGET utl)
+  set(UTIL_WINDOWS_BUILD_DIR "" CACHE PATH "A Windows build folder whose utl.exe the cross-build checks compare against")
+  find_package(Python3 COMPONENTS Interpreter REQUIRED)
+  add_test(NAME registry_interchange
+           COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_LIST_DIR}/reg_interchange_test.py
+                   --utl $<TARGET_FILE:utl> --windows-build "${UTIL_WINDOWS_BUILD_DIR}")
+  set_tests_properties(registry_interchange PROPERTIES TIMEOUT 600 SKIP_REGULAR_EXPRESSION "^SKIP:")
+endif()
