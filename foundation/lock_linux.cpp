@@ -5,8 +5,10 @@
 #include <new>
 
 #include "DELock.h"
+#include "foundation/last_error.h"
 #include "foundation/lock_binding.h"
 #include "platform/linux/named_mutex.h"
+#include "platform/linux/win32_error.h"
 
 namespace DE {
 
@@ -58,15 +60,20 @@ bool TryEnterSection(CRITICAL_SECTION* section) { return pthread_mutex_trylock(M
 HANDLE CreateNamedMutex(SECURITY_ATTRIBUTES* attributes, const wchar_t* name, DWORD* error) {
   const linux_impl::ObjectSecurity* security =
       attributes != nullptr ? linux_impl::FindObjectSecurity(attributes->lpSecurityDescriptor) : nullptr;
-  return linux_impl::CreateNamedMutex(name, security, error);
+  HANDLE mutex = linux_impl::CreateNamedMutex(name, security, error);
+  SetLastErrorCode(*error);  // as CreateMutexW leaves it
+  return mutex;
 }
 
 HANDLE OpenNamedMutex(DWORD /*access: every opener gets full access*/, const wchar_t* name) {
   DWORD error = 0;
-  return linux_impl::OpenNamedMutex(name, &error);
+  HANDLE mutex = linux_impl::OpenNamedMutex(name, &error);
+  SetLastErrorCode(error);
+  return mutex;
 }
 
 MutexWait WaitNamedMutex(HANDLE mutex, DWORD timeoutMs) {
+  if (mutex == nullptr) SetLastErrorCode(linux_impl::kErrorInvalidHandle);
   switch (linux_impl::WaitNamedMutex(AsMutex(mutex), timeoutMs)) {
     case linux_impl::WaitResult::Acquired:
       return MutexWait::Acquired;
@@ -81,7 +88,9 @@ MutexWait WaitNamedMutex(HANDLE mutex, DWORD timeoutMs) {
 
 bool ReleaseNamedMutex(HANDLE mutex) {
   DWORD error = 0;
-  return linux_impl::ReleaseNamedMutex(AsMutex(mutex), &error);
+  if (linux_impl::ReleaseNamedMutex(AsMutex(mutex), &error)) return true;
+  SetLastErrorCode(error);
+  return false;
 }
 
 void CloseNamedMutex(HANDLE mutex) { linux_impl::CloseNamedMutex(AsMutex(mutex)); }

@@ -5,6 +5,7 @@
 
 #include "DESystem.h"
 #include "foundation/command_process.h"
+#include "foundation/last_error.h"
 #include "foundation/system_helpers_binding.h"
 
 namespace DE {
@@ -21,6 +22,7 @@ constexpr DWORD kOutputPollMs = 10;
 bool SetTokenPrivilege(const wchar_t* privilege, bool enable, DWORD* error) {
   const DWORD code = privilege == nullptr || *privilege == L'\0' ? kErrorInvalidParameter
                                                                  : detail::AdjustPrivilege(privilege, enable);
+  detail::SetLastErrorCode(code);
   if (error != nullptr) *error = code;
   return code == 0;
 }

@@ -13,12 +13,12 @@
 #include "DESystem.h"
 #include "foundation/system_helpers_binding.h"
 #include "foundation/text_codec.h"
+#include "platform/linux/win32_error.h"
 
 namespace DE {
 namespace {
 
-constexpr DWORD kErrorNoSuchPrivilege = 1313;   // ERROR_NO_SUCH_PRIVILEGE
-constexpr DWORD kErrorPrivilegeNotHeld = 1314;  // ERROR_PRIVILEGE_NOT_HELD
+constexpr DWORD kErrorNoSuchPrivilege = 1313;  // ERROR_NO_SUCH_PRIVILEGE
 
 // The privilege names Windows knows (SE_*_NAME of winnt.h).
 const wchar_t* const kKnownPrivileges[] = {
@@ -152,7 +152,7 @@ namespace detail {
 
 DWORD AdjustPrivilege(const wchar_t* privilege, bool /*enable: root holds every privilege*/) {
   if (!IsKnownPrivilege(privilege)) return kErrorNoSuchPrivilege;
-  return geteuid() == 0 ? 0 : kErrorPrivilegeNotHeld;
+  return geteuid() == 0 ? 0 : linux_impl::kErrorPrivilegeNotHeld;
 }
 
 }  // namespace detail

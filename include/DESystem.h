@@ -25,7 +25,7 @@ UTIL_API bool GetProcessList(std::map<DWORD, std::wstring>& processes);
 // ERROR_NOT_ALL_ASSIGNED). Linux has no token privileges: true when the process runs as root
 // (euid 0) and the name is a known Windows privilege; ERROR_NO_SUCH_PRIVILEGE (1313) for an
 // unknown name, ERROR_PRIVILEGE_NOT_HELD (1314) otherwise. `error` (optional) receives the Win32
-// code, 0 on success; Windows also sets the thread's last error.
+// code, 0 on success; the code is also left as the thread's last error (GetLastError on Windows).
 UTIL_API bool SetTokenPrivilege(const wchar_t* privilege, bool enable, DWORD* error = nullptr);
 
 // True when the process runs with administrator rights. Windows: the Administrators group is

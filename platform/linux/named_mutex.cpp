@@ -18,21 +18,10 @@
 #include <utility>
 
 #include "platform/linux/utf8_codec.h"
+#include "platform/linux/win32_error.h"
 
 namespace DE::detail::linux_impl {
 namespace {
-
-constexpr DWORD kErrorFileNotFound = 2;
-constexpr DWORD kErrorPathNotFound = 3;
-constexpr DWORD kErrorTooManyOpenFiles = 4;
-constexpr DWORD kErrorAccessDenied = 5;
-constexpr DWORD kErrorInvalidHandle = 6;
-constexpr DWORD kErrorNotEnoughMemory = 8;
-constexpr DWORD kErrorGenFailure = 31;
-constexpr DWORD kErrorInvalidParameter = 87;
-constexpr DWORD kErrorInvalidName = 123;
-constexpr DWORD kErrorAlreadyExists = 183;
-constexpr DWORD kErrorNotOwner = 288;
 
 const char kShmDirectory[] = "/dev/shm";  // where glibc's shm_open keeps its objects
 const char kObjectPrefix[] = "/util-mutex-";
@@ -60,31 +49,6 @@ struct Mapping {
   std::size_t handles = 0;     // guarded by the registry's lock
   std::atomic<long> owned{0};  // acquisitions minus releases by threads of this process
 };
-
-DWORD Win32FromErrno(int error) {
-  switch (error) {
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return kErrorAccessDenied;
-    case ENOENT:
-      return kErrorFileNotFound;
-    case ENOTDIR:
-      return kErrorPathNotFound;
-    case EMFILE:
-    case ENFILE:
-      return kErrorTooManyOpenFiles;
-    case ENOMEM:
-    case ENOSPC:
-      return kErrorNotEnoughMemory;
-    case EEXIST:
-      return kErrorAlreadyExists;
-    case EINVAL:
-      return kErrorInvalidParameter;
-    default:
-      return kErrorGenFailure;
-  }
-}
 
 std::uint64_t Fnv1a64(const std::string& bytes) {
   std::uint64_t hash = 0xcbf29ce484222325ull;
@@ -198,7 +162,7 @@ NamedMutex* MappingRegistry::NewHandle(Mapping* mapping, DWORD* error) {
 NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
   struct stat info;
   if (fstat(fd, &info) != 0) {
-    *error = Win32FromErrno(errno);
+    *error = Win32ErrorFromErrno(errno);
     return nullptr;
   }
   if (!S_ISREG(info.st_mode) || info.st_size < static_cast<off_t>(sizeof(SharedBlock))) {
@@ -216,7 +180,7 @@ NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
 
   void* memory = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
   if (memory == MAP_FAILED) {
-    *error = Win32FromErrno(errno);
+    *error = Win32ErrorFromErrno(errno);
     return nullptr;
   }
   SharedBlock* block = static_cast<SharedBlock*>(memory);
@@ -304,13 +268,13 @@ NamedMutex* OpenOrCreate(const wchar_t* name, bool create, const ObjectSecurity*
     const bool existed = fd >= 0;
     if (!existed) {
       if (errno != ENOENT || !create) {
-        *error = Win32FromErrno(errno);
+        *error = Win32ErrorFromErrno(errno);
         return nullptr;
       }
       fd = PublishObject(objectName, security);
       if (fd < 0 && errno == EEXIST) continue;
       if (fd < 0) {
-        *error = Win32FromErrno(errno);
+        *error = Win32ErrorFromErrno(errno);
         return nullptr;
       }
     }
@@ -399,7 +363,7 @@ bool ReleaseNamedMutex(NamedMutex* mutex, DWORD* error) {
   }
   const int result = pthread_mutex_unlock(&mutex->mapping->block->mutex);
   if (result != 0) {
-    *error = result == EPERM ? kErrorNotOwner : Win32FromErrno(result);
+    *error = result == EPERM ? kErrorNotOwner : Win32ErrorFromErrno(result);
     return false;
   }
   mutex->mapping->owned.fetch_sub(1);
