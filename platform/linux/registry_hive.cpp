@@ -458,42 +458,49 @@ LONG Hive::DeleteKey(KeyId parent, const std::vector<std::u16string>& path) {
   return End(code);
 }
 
-LONG Hive::EnumKey(KeyId id, DWORD index, std::u16string& name) {
+LONG Hive::EnumNames(NameList& list, const char* sql, KeyId id, DWORD index, std::u16string& name) {
   std::lock_guard<std::recursive_mutex> lock(mutex_);
-  sqlite3_stmt* raw = nullptr;
-  const LONG code = Prepare("SELECT name FROM keys WHERE parent=? ORDER BY folded LIMIT 1 OFFSET ?", &raw);
-  Statement statement(raw);
+  LONG code = Begin(false);
   if (code != 0) return code;
-  sqlite3_bind_int64(raw, 1, id);
-  sqlite3_bind_int64(raw, 2, index);
-  const int step = sqlite3_step(raw);
-  if (step == SQLITE_ROW) {
-    name = FromBlob(sqlite3_column_blob(raw, 0), sqlite3_column_bytes(raw, 0));
-    return 0;
+  code = CheckKey(id);  // also opens the read transaction the version belongs to
+  unsigned int version = 0;
+  if (code == 0) sqlite3_file_control(db_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+  if (code == 0 && (list.id != id || list.version != version)) {
+    list.id = -1;
+    list.names.clear();
+    sqlite3_stmt* raw = nullptr;
+    code = Prepare(sql, &raw);
+    Statement statement(raw);
+    if (code == 0) {
+      sqlite3_bind_int64(raw, 1, id);
+      int step;
+      while ((step = sqlite3_step(raw)) == SQLITE_ROW) {
+        list.names.push_back(FromBlob(sqlite3_column_blob(raw, 0), sqlite3_column_bytes(raw, 0)));
+      }
+      if (step != SQLITE_DONE) code = Win32ErrorFromSqlite(step);
+    }
+    if (code == 0) {
+      list.id = id;
+      list.version = version;
+    }
   }
-  if (step != SQLITE_DONE) return Win32ErrorFromSqlite(step);
-  statement.reset();
-  const LONG keyCode = CheckKey(id);
-  return keyCode != 0 ? keyCode : kRegErrorNoMoreItems;
+  if (code == 0) {
+    if (index < list.names.size()) {
+      name = list.names[index];
+    } else {
+      code = kRegErrorNoMoreItems;
+    }
+  }
+  const LONG end = End(0);
+  return code != 0 ? code : end;
+}
+
+LONG Hive::EnumKey(KeyId id, DWORD index, std::u16string& name) {
+  return EnumNames(keyNames_, "SELECT name FROM keys WHERE parent=? ORDER BY folded", id, index, name);
 }
 
 LONG Hive::EnumValue(KeyId id, DWORD index, std::u16string& name) {
-  std::lock_guard<std::recursive_mutex> lock(mutex_);
-  sqlite3_stmt* raw = nullptr;
-  const LONG code = Prepare("SELECT name FROM vals WHERE key=? ORDER BY id LIMIT 1 OFFSET ?", &raw);
-  Statement statement(raw);
-  if (code != 0) return code;
-  sqlite3_bind_int64(raw, 1, id);
-  sqlite3_bind_int64(raw, 2, index);
-  const int step = sqlite3_step(raw);
-  if (step == SQLITE_ROW) {
-    name = FromBlob(sqlite3_column_blob(raw, 0), sqlite3_column_bytes(raw, 0));
-    return 0;
-  }
-  if (step != SQLITE_DONE) return Win32ErrorFromSqlite(step);
-  statement.reset();
-  const LONG keyCode = CheckKey(id);
-  return keyCode != 0 ? keyCode : kRegErrorNoMoreItems;
+  return EnumNames(valueNames_, "SELECT name FROM vals WHERE key=? ORDER BY id", id, index, name);
 }
 
 LONG Hive::QueryInfo(KeyId id, HiveKeyInfo& info) {

@@ -89,8 +89,19 @@ class Hive {
   LONG InitializeSchema();
   LONG Verify();
 
+  // Names of one key's sub-keys or values, kept while the file's data version stays the same,
+  // so enumerating index 0..n-1 reads the list once instead of n times.
+  struct NameList {
+    KeyId id = -1;
+    unsigned int version = 0;
+    std::vector<std::u16string> names;
+  };
+  LONG EnumNames(NameList& list, const char* sql, KeyId id, DWORD index, std::u16string& name);
+
   std::string file_;
   sqlite3* db_;
+  NameList keyNames_;
+  NameList valueNames_;
   bool writable_;
   std::recursive_mutex mutex_;
 };
