@@ -1,4 +1,5 @@
 // MemoryrStream: the growable (or caller-fixed) memory buffer stream.
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -71,19 +72,14 @@ bool MemoryrStream::Reallocate(long long requested) {
     capacity_ = 0;
     return true;
   }
-  const long long oldAllocation = memory_ != nullptr ? capacity_ + kSpareBytes : 0;
   const long long newAllocation = n + kSpareBytes;
   if (static_cast<unsigned long long>(newAllocation) > SIZE_MAX) return false;
   // realloc keeps the first size bytes (they fit in both blocks when newAllocation >= size) and
   // can often grow in place; only a block too small for the data is zeroed instead.
   char* grown = static_cast<char*>(std::realloc(memory_, static_cast<std::size_t>(newAllocation)));
   if (grown == nullptr) return false;
-  if (memory_ != nullptr && newAllocation < size_) {
+  if (memory_ != nullptr && newAllocation < size_)
     std::memset(grown, 0, static_cast<std::size_t>(newAllocation));
-  } else if (newAllocation > oldAllocation) {
-    // Fresh bytes start as zero, so terminators and the odd byte of ToWString are never garbage.
-    std::memset(grown + oldAllocation, 0, static_cast<std::size_t>(newAllocation - oldAllocation));
-  }
   memory_ = grown;
   capacity_ = n;
   return true;
@@ -114,6 +110,13 @@ unsigned int MemoryrStream::Write(const void* buf, unsigned int count) {
       SetCapacity(end);
       if (!IsFixed() && capacity_ < end) return 0;  // out of memory: nothing changed
     }
+    if (!IsFixed()) {
+      // A gap left by writing past the end reads as zeros, and the two spare bytes after the
+      // new end start as terminators: no byte a reader can reach is left uninitialised.
+      if (position_ > size_) std::memset(memory_ + size_, 0, static_cast<std::size_t>(position_ - size_));
+      memory_[end] = '\0';
+      memory_[end + 1] = '\0';
+    }
     size_ = end;
   }
   std::memcpy(memory_ + position_, buf, count);
@@ -138,7 +141,14 @@ long long MemoryrStream::Seek(long long offset, SeekOrigin origin) {
 
 void MemoryrStream::SetSize(long long newSize) {
   const long long saved = position_;
-  if (!IsFixed() && !Reallocate(newSize)) return;
+  if (!IsFixed()) {
+    if (!Reallocate(newSize)) return;
+    // Bytes gained without a write read as zeros, terminators included.
+    const long long zeroEnd = std::min(newSize, capacity_) + kSpareBytes;
+    if (memory_ != nullptr && newSize > size_ && size_ >= 0 && zeroEnd > size_) {
+      std::memset(memory_ + size_, 0, static_cast<std::size_t>(zeroEnd - size_));
+    }
+  }
   size_ = newSize;
   if (static_cast<std::int32_t>(saved) > newSize) Seek(0, End);
 }
@@ -173,8 +183,10 @@ std::string MemoryrStream::ToString() const {
 }
 
 unsigned char MemoryrStream::ByteAt(long long i) const {
-  const long long allocation = IsFixed() ? fixedCapacity_ : capacity_ + kSpareBytes;
-  if (memory_ == nullptr || i < 0 || i >= allocation) return 0;
+  // A growable buffer is read no further than its two terminator places: bytes past them may
+  // never have been written.
+  const long long readable = IsFixed() ? fixedCapacity_ : std::min(capacity_, size_) + kSpareBytes;
+  if (memory_ == nullptr || i < 0 || i >= readable) return 0;
   return static_cast<unsigned char>(memory_[i]);
 }
 

@@ -31,12 +31,14 @@ void ReadMap(Stream& stream, std::map<Text, Text>& values, ReadOne readOne) {
   for (std::uint32_t i = 0; i < count && !in.Exhausted(); ++i) {
     Text key = readOne(in);
     Text value = readOne(in);
-    values[std::move(key)] = std::move(value);
+    // Records list keys in ascending order, so the end is almost always the right place.
+    values.insert_or_assign(values.end(), std::move(key), std::move(value));
   }
 }
 
-std::string OneString(detail::RecordInput& in) { return in.String(); }
-std::wstring OneWString(detail::RecordInput& in) { return in.WString(); }
+// Element readers as function objects, so the container loops inline them.
+constexpr auto OneString = [](detail::RecordInput& in) { return in.String(); };
+constexpr auto OneWString = [](detail::RecordInput& in) { return in.WString(); };
 
 }  // namespace
 

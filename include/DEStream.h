@@ -103,14 +103,15 @@ class UTIL_API FileStream : public HandleStream {
 };
 
 // A memory buffer. A growable stream owns its buffer and grows it in 8192-byte steps, keeping
-// two spare bytes past the capacity for terminators. A fixed stream (built over or from a
-// caller's buffer) never reallocates or frees its buffer, and Write does not check its capacity:
-// its users must never write past it. A failed allocation leaves the stream as it was (Write
-// then moves 0 bytes).
+// two spare bytes past the capacity for terminators; bytes it gains without a write (SetSize
+// growth, a gap left by writing past the end) read as zeros, and the two bytes after its data
+// are zero until overwritten. A fixed stream (built over or from a caller's buffer) never
+// reallocates or frees its buffer, and Write does not check its capacity: its users must never
+// write past it. A failed allocation leaves the stream as it was (Write then moves 0 bytes).
 class UTIL_API MemoryrStream : public Stream {
  public:
   MemoryrStream();
-  // size bytes allocated (contents unspecified), position 0.
+  // size bytes allocated (zeros), position 0.
   explicit MemoryrStream(unsigned long long size);
   // null data or len < 1: an empty growable stream. Otherwise a fixed stream of len bytes:
   // attach true uses data in place (the caller keeps it); false copies it into a new buffer
@@ -150,8 +151,10 @@ class UTIL_API MemoryrStream : public Stream {
   std::wstring ToWString() const;
 
   // -1 for null s; s empty: 0 if this is empty, else 1; this empty: -1; otherwise the sign of
-  // a byte compare over max(size, strlen(s)) + 1 bytes (terminators included). Results are -1,
-  // 0 or 1. Bytes outside either buffer compare as 0.
+  // a byte compare over max(size, strlen(s)) + 1 bytes, so the bytes after the data take part
+  // (a stream cut shorter keeps its old bytes there until c_str()). Results are -1, 0 or 1.
+  // Bytes past the text's terminator, past a fixed buffer, or past a growable stream's two
+  // terminator places compare as 0.
   int Compare(const char* s) const;
   int Compare(MemoryrStream& other) const;
   // As Compare, with ASCII letters folded to lower case.

@@ -90,6 +90,13 @@ TEST(MemoryStream, GrowsInSteps) {
   EXPECT_EQ(100, sized.Size());
   EXPECT_EQ(0, sized.Position());
   EXPECT_EQ(8192, sized.GetCapacity());
+  EXPECT_EQ(std::string(100, '\0'), sized.ToString());
+
+  // Bytes gained by SetSize read as zeros, also where older data once stood.
+  DE::MemoryrStream regrown("abcdef");
+  regrown.SetSize(2);
+  regrown.SetSize(5);
+  EXPECT_EQ(std::string("ab\0\0\0", 5), regrown.ToString());
 }
 
 TEST(MemoryStream, SeekReadWriteBounds) {
