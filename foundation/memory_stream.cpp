@@ -105,21 +105,26 @@ unsigned int MemoryrStream::Write(const void* buf, unsigned int count) {
   if (buf == nullptr || count == 0 || position_ < 0) return 0;
   const std::uint32_t end = static_cast<std::uint32_t>(position_) + count;
   if (end == 0) return 0;
+  bool extended = false;
   if (end > size_) {
     if (end > capacity_) {
       SetCapacity(end);
       if (!IsFixed() && capacity_ < end) return 0;  // out of memory: nothing changed
     }
-    if (!IsFixed()) {
-      // A gap left by writing past the end reads as zeros, and the two spare bytes after the
-      // new end start as terminators: no byte a reader can reach is left uninitialised.
-      if (position_ > size_) std::memset(memory_ + size_, 0, static_cast<std::size_t>(position_ - size_));
-      memory_[end] = '\0';
-      memory_[end + 1] = '\0';
+    // A gap left by writing past the end of a growable stream reads as zeros.
+    extended = !IsFixed();
+    if (extended && position_ > size_) {
+      std::memset(memory_ + size_, 0, static_cast<std::size_t>(position_ - size_));
     }
     size_ = end;
   }
   std::memcpy(memory_ + position_, buf, count);
+  if (extended) {
+    // The two spare bytes after the new end start as terminators, so no byte a reader can
+    // reach is left uninitialised.
+    memory_[end] = '\0';
+    memory_[end + 1] = '\0';
+  }
   position_ = end;
   return count;
 }
