@@ -4,12 +4,22 @@
 #include <exception>
 
 #include "DEOSVersion.h"
+#include "DERegistry.h"
+#include "DEString.h"
 #include "SystemInfo.h"
 #include "ZnXml.h"
 #include "config/config_values.h"
 #include "config/module_path.h"
 
 namespace {
+
+// A text value under HKLM "SOFTWARE\PXS Core" (64-bit view), in the ANSI code page; "" when absent.
+std::string PxsCoreValue(const wchar_t* name) {
+  std::wstring value;
+  if (!DE::Registry::GetValue(HKEY_LOCAL_MACHINE, L"SOFTWARE\\PXS Core", name, value, KEY_WOW64_64KEY))
+    return "";
+  return DE::UnicodeToANSI(value);
+}
 
 bool IsOn(const ZnXmlElement& section, const char* name) {
   const std::string text = section.FirstNode(name).Value();
@@ -39,8 +49,8 @@ std::string CommonCfgMgr::ConfigFilePath() {
 
 CommonCfgMgr::Facts CommonCfgMgr::SystemFacts() {
   Facts facts;
-  // The component and PXS core versions live in the registry (HKLM "SOFTWARE\PXS Core", values
-  // "C_version" and "Version"); they stay empty until that reader is connected here.
+  facts.componentVersion = PxsCoreValue(L"C_version");
+  facts.pxsCoreVersion = PxsCoreValue(L"Version");
   const DE::OSVersion os;
   facts.osVersion =
       std::to_string(os.Major()) + "." + std::to_string(os.Minor()) + "." + std::to_string(os.Build());
