@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 
 ARGS = None
-INTERFACE = re.compile(r"^(DE|PxsLog|ZNPROCESS|ProductAdapt|qda|ZnXMLDocument|ZnXmlElement|ZnXmlAttribute|CommonCfgMgr|SystemInfo)::")
+INTERFACE = re.compile(r"^(DE|PxsLog|ZNPROCESS|ProductAdapt|qda|ZnXMLDocument|ZnXmlElement|ZnXmlAttribute|CommonCfgMgr|SystemInfo)(::|$)")
 INTERNAL = re.compile(r"(::detail::|linux_impl|\(anonymous namespace\))")
 
 
