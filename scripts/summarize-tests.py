@@ -45,7 +45,7 @@ def build_counts(build):
             passed += 1
         else:
             failed += 1
-    print(f"{build.name}: {passed} passed, {failed} failed, {skipped} skipped", file=sys.stderr)
+    print(f"{build.name}: {passed} passed, {failed} failed, {skipped} skipped", flush=True)
     return passed, failed, skipped
 
 
