@@ -34,11 +34,8 @@ set(ENV{PKG_CONFIG_PATH} "")
 # Debian's wine64 package installs the loader in /usr/lib/wine and puts nothing on PATH.
 find_program(UTIL_WINE64 NAMES wine64 PATHS /usr/lib/wine NO_CMAKE_FIND_ROOT_PATH)
 
-# Executables linked against the shared MinGW runtime need libstdc++-6, libgcc_s_seh-1 and
-# libwinpthread-1; build-windows-deps.sh copies them into the prefix's bin. One dir keeps
-# WINEPATH free of its ';' separator, which CMake's list handling would split. Z: is Wine's /.
-set(UTIL_WINEPATH "Z:${UTIL_DEPS_PREFIX}/bin")
 if(UTIL_WINE64)
-  # Through env so try_run, ctest and gtest_discover_tests find the runtime DLLs without extra setup.
-  set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/env "WINEPATH=${UTIL_WINEPATH}" "${UTIL_WINE64}")
+  # The MinGW runtime DLLs are copied beside the programs by the build (UtilPlatform.cmake), so
+  # Wine needs no search path.
+  set(CMAKE_CROSSCOMPILING_EMULATOR "${UTIL_WINE64}")
 endif()

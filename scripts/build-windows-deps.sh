@@ -4,8 +4,6 @@
 #   prefix  ${UTIL_DEPS_DIR:-$HOME/.cache/util-deps}/mingw64   (printed at the end)
 #   work    ${UTIL_DEPS_DIR:-$HOME/.cache/util-deps}/src       (sources and one log per package)
 # Safe to rerun: a stamp per package (source version, options, toolchain) skips what is built.
-# It also copies the MinGW runtime DLLs (libstdc++-6, libgcc_s_seh-1, libwinpthread-1) into
-# prefix/bin, the one WINEPATH entry that programs linked against them need under Wine.
 #
 # Static link lines for consumers, in this order (every system library ships with MinGW-w64;
 # advapi32 and user32 are on gcc's default list but are named so nothing relies on it):
@@ -203,21 +201,9 @@ build_package() { # pkg
   printf '%-15s %-24s built in %ds\n' "$pkg" "$version" $((SECONDS - start))
 }
 
-install_runtime_dlls() {
-  local dll path dirs=()
-  mkdir -p "$prefix/bin"
-  for dll in libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll; do
-    path=$(realpath -e "$($host-g++-posix -print-file-name=$dll)")
-    install -C -m 644 "$path" "$prefix/bin/$dll"
-    dirs+=("$(dirname "$path")")
-  done
-  printf '%-15s %-24s from %s\n' "runtime DLLs" "in bin" "$(printf '%s\n' "${dirs[@]}" | sort -u | paste -sd ' ')"
-}
-
 mkdir -p "$work_dir" "$prefix"
 ensure_deb_src
 for pkg in openssl curl tinyxml2 googletest nlohmann-json3; do
   build_package "$pkg"
 done
-install_runtime_dlls
 echo "Windows dependencies: $prefix"
