@@ -2,6 +2,7 @@
 #include "platform/linux/registry_hive.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,10 +21,29 @@ constexpr int kBusyTimeoutMs = 30000;
 // Seconds from 1601-01-01 to 1970-01-01.
 constexpr std::int64_t kEpochDifference = 11644473600LL;
 
+// Statements come from the hive's cache (Hive::Prepare); ending a use resets the statement, which
+// ends its read and keeps it compiled for the next call.
 struct StatementCloser {
-  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  void operator()(sqlite3_stmt* statement) const { sqlite3_reset(statement); }
 };
 using Statement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
+
+// Holds an flock() on the hive file for the lifetime of the object: exclusive for a writer that
+// may have to set the file up, shared for a reader.
+class OpenLock {
+ public:
+  OpenLock(const std::string& file, bool exclusive) : fd_(::open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (fd_ >= 0) ::flock(fd_, exclusive ? LOCK_EX : LOCK_SH);
+  }
+  ~OpenLock() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  OpenLock(const OpenLock&) = delete;
+  OpenLock& operator=(const OpenLock&) = delete;
+
+ private:
+  int fd_;
+};
 
 char16_t FoldUnit(char16_t c) {
   if (c >= u'a' && c <= u'z') return static_cast<char16_t>(c - 32);
@@ -100,7 +120,10 @@ std::int64_t FileTimeNow() {
 Hive::Hive(std::string file, sqlite3* db, bool writable)
     : file_(std::move(file)), db_(db), writable_(writable) {}
 
-Hive::~Hive() { sqlite3_close_v2(db_); }
+Hive::~Hive() {
+  for (auto& entry : statements_) sqlite3_finalize(entry.second);
+  sqlite3_close_v2(db_);
+}
 
 LONG Hive::Open(const std::string& file, bool create, bool writable, bool isPrivate, uid_t owner,
                 std::shared_ptr<Hive>& out) {
@@ -123,6 +146,10 @@ LONG Hive::Open(const std::string& file, bool create, bool writable, bool isPriv
       ::close(fd);
     }
   }
+  // Processes opening one hive at the same time take turns until its journal mode and tables
+  // are set up: SQLite answers a concurrent switch to WAL with "busy" at once, without waiting.
+  // flock() locks do not interact with the fcntl() locks SQLite itself takes on the file.
+  const OpenLock openLock(file, writable);
   sqlite3* db = nullptr;
   const int flags = (writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) | SQLITE_OPEN_NOMUTEX;
   int result = sqlite3_open_v2(file.c_str(), &db, flags, nullptr);
@@ -155,7 +182,20 @@ LONG Hive::Open(const std::string& file, bool create, bool writable, bool isPriv
 }
 
 LONG Hive::Prepare(const char* sql, sqlite3_stmt** statement) {
-  return Win32ErrorFromSqlite(sqlite3_prepare_v2(db_, sql, -1, statement, nullptr));
+  sqlite3_stmt*& cached = statements_[sql];
+  if (cached == nullptr) {
+    const int rc = sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &cached, nullptr);
+    if (rc != SQLITE_OK) {
+      statements_.erase(sql);
+      *statement = nullptr;
+      return Win32ErrorFromSqlite(rc);
+    }
+  }
+  // A use further up the call stack may have left it stepped; it has read all it needs by then.
+  sqlite3_reset(cached);
+  sqlite3_clear_bindings(cached);
+  *statement = cached;
+  return 0;
 }
 
 LONG Hive::Exec(const char* sql) {
@@ -308,6 +348,37 @@ LONG Hive::TouchLocked(KeyId id) {
   return Win32ErrorFromSqlite(sqlite3_step(raw));
 }
 
+LONG Hive::InsertKeyLocked(KeyId parent, const std::u16string& name, KeyId& id) {
+  sqlite3_stmt* raw = nullptr;
+  LONG code = Prepare("INSERT INTO keys(parent, name, folded, written) VALUES(?, ?, ?, ?)", &raw);
+  Statement statement(raw);
+  if (code != 0) return code;
+  sqlite3_bind_int64(raw, 1, parent);
+  BindBlob(raw, 2, Blob(name));
+  BindBlob(raw, 3, FoldName(name));
+  sqlite3_bind_int64(raw, 4, FileTimeNow());
+  code = Win32ErrorFromSqlite(sqlite3_step(raw));
+  if (code == 0) id = sqlite3_last_insert_rowid(db_);
+  return code;
+}
+
+LONG Hive::WriteValueLocked(KeyId id, const std::u16string& name, DWORD type, const std::string& data) {
+  sqlite3_stmt* raw = nullptr;
+  // An existing value keeps its spelling and its place in the enumeration order.
+  LONG code = Prepare(
+      "INSERT INTO vals(key, name, folded, type, data) VALUES(?, ?, ?, ?, ?)"
+      " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data",
+      &raw);
+  Statement statement(raw);
+  if (code != 0) return code;
+  sqlite3_bind_int64(raw, 1, id);
+  BindBlob(raw, 2, Blob(name));
+  BindBlob(raw, 3, FoldName(name));
+  sqlite3_bind_int64(raw, 4, type);
+  BindBlob(raw, 5, data);
+  return Win32ErrorFromSqlite(sqlite3_step(raw));
+}
+
 LONG Hive::Create(KeyId parent, const std::vector<std::u16string>& path, KeyId& id, bool& created) {
   std::lock_guard<std::recursive_mutex> lock(mutex_);
   LONG code = Begin(true);
@@ -319,17 +390,8 @@ LONG Hive::Create(KeyId parent, const std::vector<std::u16string>& path, KeyId& 
     KeyId child = 0;
     code = FindLocked(current, {path[i]}, child);
     if (code == static_cast<LONG>(kErrorFileNotFound)) {
-      sqlite3_stmt* raw = nullptr;
-      code = Prepare("INSERT INTO keys(parent, name, folded, written) VALUES(?, ?, ?, ?)", &raw);
-      Statement statement(raw);
+      code = InsertKeyLocked(current, path[i], child);
       if (code != 0) break;
-      sqlite3_bind_int64(raw, 1, current);
-      BindBlob(raw, 2, Blob(path[i]));
-      BindBlob(raw, 3, FoldName(path[i]));
-      sqlite3_bind_int64(raw, 4, FileTimeNow());
-      code = Win32ErrorFromSqlite(sqlite3_step(raw));
-      if (code != 0) break;
-      child = sqlite3_last_insert_rowid(db_);
       code = TouchLocked(current);
       created = i + 1 == path.size();
     } else {
@@ -368,21 +430,7 @@ LONG Hive::SetValue(KeyId id, const std::u16string& name, DWORD type, const std:
   if (code != 0) return code;
   code = CheckKey(id);
   if (code == 0) {
-    sqlite3_stmt* raw = nullptr;
-    // An existing value keeps its spelling and its place in the enumeration order.
-    code = Prepare(
-        "INSERT INTO vals(key, name, folded, type, data) VALUES(?, ?, ?, ?, ?)"
-        " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data",
-        &raw);
-    Statement statement(raw);
-    if (code == 0) {
-      sqlite3_bind_int64(raw, 1, id);
-      BindBlob(raw, 2, Blob(name));
-      BindBlob(raw, 3, FoldName(name));
-      sqlite3_bind_int64(raw, 4, type);
-      BindBlob(raw, 5, data);
-      code = Win32ErrorFromSqlite(sqlite3_step(raw));
-    }
+    code = WriteValueLocked(id, name, type, data);
   }
   if (code == 0) code = TouchLocked(id);
   return End(code);
@@ -554,30 +602,13 @@ LONG Hive::CopyTreeLocked(KeyId to, Hive& source, KeyId from) {
     if (step != SQLITE_DONE) return Win32ErrorFromSqlite(step);
   }
   for (const HiveValue& value : values) {
-    sqlite3_stmt* raw = nullptr;
-    LONG code = Prepare("INSERT INTO vals(key, name, folded, type, data) VALUES(?, ?, ?, ?, ?)", &raw);
-    Statement statement(raw);
-    if (code != 0) return code;
-    sqlite3_bind_int64(raw, 1, to);
-    BindBlob(raw, 2, Blob(value.name));
-    BindBlob(raw, 3, FoldName(value.name));
-    sqlite3_bind_int64(raw, 4, value.type);
-    BindBlob(raw, 5, value.data);
-    code = Win32ErrorFromSqlite(sqlite3_step(raw));
+    const LONG code = WriteValueLocked(to, value.name, value.type, value.data);
     if (code != 0) return code;
   }
   for (const auto& child : children) {
-    sqlite3_stmt* raw = nullptr;
-    LONG code = Prepare("INSERT INTO keys(parent, name, folded, written) VALUES(?, ?, ?, ?)", &raw);
-    Statement statement(raw);
-    if (code != 0) return code;
-    sqlite3_bind_int64(raw, 1, to);
-    BindBlob(raw, 2, Blob(child.second));
-    BindBlob(raw, 3, FoldName(child.second));
-    sqlite3_bind_int64(raw, 4, FileTimeNow());
-    code = Win32ErrorFromSqlite(sqlite3_step(raw));
-    if (code != 0) return code;
-    code = CopyTreeLocked(sqlite3_last_insert_rowid(db_), source, child.first);
+    KeyId copy = 0;
+    LONG code = InsertKeyLocked(to, child.second, copy);
+    if (code == 0) code = CopyTreeLocked(copy, source, child.first);
     if (code != 0) return code;
   }
   return 0;

@@ -14,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "UtilPlatform.h"
@@ -78,12 +79,18 @@ class Hive {
 
  private:
   Hive(std::string file, sqlite3* db, bool writable);
+  // A compiled statement for `sql`, reset and unbound, from a cache keyed by the text's address
+  // (callers pass literals); it stays owned by the hive.
   LONG Prepare(const char* sql, sqlite3_stmt** statement);
   LONG Exec(const char* sql);
   LONG Begin(bool write);
   LONG End(LONG code);
   LONG FindLocked(KeyId parent, const std::vector<std::u16string>& path, KeyId& id);
   LONG TouchLocked(KeyId id);
+  // Adds the sub-key `name` below parent (which must not hold it yet); id receives the new key.
+  LONG InsertKeyLocked(KeyId parent, const std::u16string& name, KeyId& id);
+  // Creates or replaces one value of the key.
+  LONG WriteValueLocked(KeyId id, const std::u16string& name, DWORD type, const std::string& data);
   LONG DeleteTreeLocked(KeyId id, bool keepRoot);
   LONG CopyTreeLocked(KeyId to, Hive& source, KeyId from);
   LONG InitializeSchema();
@@ -102,6 +109,7 @@ class Hive {
   sqlite3* db_;
   NameList keyNames_;
   NameList valueNames_;
+  std::unordered_map<const char*, sqlite3_stmt*> statements_;
   bool writable_;
   std::recursive_mutex mutex_;
 };
