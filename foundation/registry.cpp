@@ -11,10 +11,8 @@ namespace DE {
 
 namespace {
 
-constexpr DWORD kKeyAllAccess = 0xF003F;
-constexpr DWORD kKeyRead = 0x20019;
-constexpr DWORD kKeyReadNoNotify = 0x20009;
-constexpr DWORD kKeyQueryValue = 0x0001;
+// KEY_READ without KEY_NOTIFY: the second try of OpenKeyReadOnly.
+constexpr DWORD kKeyReadNoNotify = KEY_READ & ~static_cast<DWORD>(KEY_NOTIFY);
 
 }  // namespace
 
@@ -97,7 +95,7 @@ Registry::Registry()
       CurrentKey(nullptr),
       LazyWrite(true),
       CloseRootKey(false),
-      Access(kKeyAllAccess),
+      Access(KEY_ALL_ACCESS),
       LastError(0),  // left unset by the original design; 0 is harmless
       UseDeleteKeyEx(true) {}
 
@@ -169,7 +167,7 @@ bool Registry::OpenKeyReadOnly(const std::wstring& path) {
   const std::wstring sub = detail::StripPath(path, relative);
   const HKEY base = GetBaseKey(relative);
   const DWORD view = Access & detail::kRegViewMask;
-  for (DWORD rights : {kKeyRead, kKeyReadNoNotify, kKeyQueryValue}) {
+  for (DWORD rights : {static_cast<DWORD>(KEY_READ), kKeyReadNoNotify, static_cast<DWORD>(KEY_QUERY_VALUE)}) {
     HKEY key = nullptr;
     if (CheckResult(detail::RegApiOpenKey(base, sub.c_str(), rights | view, &key))) {
       Access = rights | view;
@@ -190,7 +188,7 @@ bool Registry::CreateKey(const std::wstring& path) {
   const std::wstring sub = detail::StripPath(path, relative);
   HKEY key = nullptr;
   const LONG code = detail::RegApiCreateKey(GetBaseKey(relative), sub.c_str(),
-                                            kKeyAllAccess | (Access & detail::kRegViewMask), &key, nullptr);
+                                            KEY_ALL_ACCESS | (Access & detail::kRegViewMask), &key, nullptr);
   if (!CheckResult(code)) return false;
   detail::RegApiCloseKey(key);
   return true;

@@ -18,8 +18,6 @@ namespace {
 
 constexpr int kInvalidData = 13;
 constexpr int kInvalidParameter = 87;
-constexpr DWORD kKeyRead = 0x20019;
-constexpr DWORD kKeyAllAccess = 0xF003F;
 
 LONG ExportKey(HKEY key, const std::wstring& path, std::vector<detail::RegFileKey>& out) {
   detail::RegApiKeyInfo info;
@@ -48,7 +46,7 @@ LONG ExportKey(HKEY key, const std::wstring& path, std::vector<detail::RegFileKe
     if (detail::RegApiEnumKey(key, index, name.data(), &chars) != 0) continue;
     const std::wstring child(name.data(), chars);
     HKEY sub = nullptr;
-    if (detail::RegApiOpenKey(key, child.c_str(), kKeyRead, &sub) != 0) continue;
+    if (detail::RegApiOpenKey(key, child.c_str(), KEY_READ, &sub) != 0) continue;
     code = ExportKey(sub, path + L"\\" + child, out);
     detail::RegApiCloseKey(sub);
     if (code != 0) return code;
@@ -71,7 +69,7 @@ LONG ApplyKey(const detail::RegFileKey& key, HKEY root, const std::wstring& rest
     return 0;
   }
   HKEY handle = nullptr;
-  LONG code = detail::RegApiCreateKey(root, rest.c_str(), kKeyAllAccess, &handle, nullptr);
+  LONG code = detail::RegApiCreateKey(root, rest.c_str(), KEY_ALL_ACCESS, &handle, nullptr);
   if (code != 0) return code;
   for (const detail::RegFileValue& value : key.values) {
     if (value.remove) {
@@ -96,7 +94,7 @@ int ExportRegistryText(HKEY root, const std::wstring& path, std::wstring& text) 
   bool relative = true;
   const std::wstring sub = detail::StripPath(path, relative);
   HKEY key = nullptr;
-  LONG code = detail::RegApiOpenKey(root, sub.c_str(), kKeyRead, &key);
+  LONG code = detail::RegApiOpenKey(root, sub.c_str(), KEY_READ, &key);
   if (code != 0) return code;
   std::vector<detail::RegFileKey> keys;
   code = ExportKey(key, sub.empty() ? rootName : rootName + L"\\" + sub, keys);

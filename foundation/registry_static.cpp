@@ -14,7 +14,6 @@ namespace DE {
 
 namespace {
 
-constexpr DWORD kKeyAllAccess = 0xF003F;
 constexpr size_t kServicePathBuffer = 260;
 
 bool QueryDword(HKEY key, const std::wstring& name, void* out) {
@@ -146,7 +145,7 @@ HKEY Registry::FeathRootKey(std::wstring path, std::wstring& rest) {
 void Registry::SetRegQDAServicePath(bool quote) {
   HKEY key = nullptr;
   if (detail::RegApiOpenKey(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Services\\QDAMainService",
-                            kKeyAllAccess, &key) != 0) {
+                            KEY_ALL_ACCESS, &key) != 0) {
     return;
   }
   // A 260-character buffer offered as 260 bytes: at most 130 UTF-16 units come back.

@@ -260,6 +260,17 @@ LONG UserHive(const std::u16string& sid, bool create, std::shared_ptr<Hive>& hiv
   return code;
 }
 
+// Moves `from`, the HKEY_USERS root, into the hive of the user the path's first part names;
+// that part is consumed.
+LONG EnterUserHive(KeyHandle& from, std::vector<std::u16string>& parts, bool create) {
+  const LONG code = UserHive(parts.front(), create, from.hive);
+  if (code != 0) return code;
+  from.id = kHiveRootKey;
+  from.usersRoot = false;
+  parts.erase(parts.begin());
+  return 0;
+}
+
 LONG OpenOrCreate(HKEY base, const std::u16string& subKey, DWORD access, bool create, HKEY* result,
                   DWORD* disposition) {
   if (result == nullptr) return static_cast<LONG>(kErrorInvalidParameter);
@@ -275,11 +286,8 @@ LONG OpenOrCreate(HKEY base, const std::u16string& subKey, DWORD access, bool cr
       if (disposition != nullptr) *disposition = 2;  // REG_OPENED_EXISTING_KEY
       return 0;
     }
-    code = UserHive(parts.front(), create, from.hive);
+    code = EnterUserHive(from, parts, create);
     if (code != 0) return code;
-    from.id = kHiveRootKey;
-    from.usersRoot = false;
-    parts.erase(parts.begin());
   }
   KeyHandle opened;
   opened.hive = from.hive;
@@ -389,10 +397,8 @@ LONG StoreDeleteKey(HKEY base, const std::u16string& subKey) {
   if (code != 0) return code;
   if (from.usersRoot) {
     if (parts.size() < 2) return static_cast<LONG>(kErrorAccessDenied);  // a user's hive stays
-    code = UserHive(parts.front(), false, from.hive);
+    code = EnterUserHive(from, parts, false);
     if (code != 0) return code;
-    from.id = kHiveRootKey;
-    parts.erase(parts.begin());
   }
   if (!from.hive->Writable()) {
     KeyId target = 0;
