@@ -1,43 +1,73 @@
-// Helpers of the lock tests: unique mutex names, the clean-up of their Linux objects, and the
-// file signals between a test and its child processes.
+// Helpers of the lock tests: unique mutex names, the clean-up of their Linux objects, the file
+// signals between a test and its child processes, and a TryLock from another thread.
 #pragma once
 
+#include <chrono>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "DELock.h"
 #include "common/child_process.h"
 
 namespace locktest {
 
-// "UtilTest-<purpose>-<16 random hex digits>": letters, digits and '-' only, so on Linux the
-// object name holds it unchanged. Unique per call, so parallel runs never share a mutex.
-std::string UniqueName(const std::string& purpose);
-std::wstring Widen(const std::string& ascii);
+// "UtilTest-<purpose>-<16 random hex digits>": unique per call, unchanged in the Linux object name.
+inline std::string UniqueName(const std::string& purpose) {
+  std::random_device device;
+  char suffix[17];
+  std::snprintf(suffix, sizeof(suffix), "%08x%08x", device(), device());
+  return "UtilTest-" + purpose + "-" + suffix;
+}
 
-// Linux: the /dev/shm files of the mutex objects whose readable part is `name` (the library keeps
-// them after use). Empty elsewhere.
-std::vector<std::filesystem::path> MutexObjects(const std::string& name);
+inline std::wstring Widen(const std::string& ascii) { return std::wstring(ascii.begin(), ascii.end()); }
 
-// A mutex name whose Linux objects are removed when it goes out of scope. Declare it before the
-// locks that use it.
-class ScopedMutexName {
- public:
-  explicit ScopedMutexName(const std::string& purpose) : name_(UniqueName(purpose)) {}
-  ~ScopedMutexName();
-  ScopedMutexName(const ScopedMutexName&) = delete;
-  ScopedMutexName& operator=(const ScopedMutexName&) = delete;
-  const std::string& utf8() const { return name_; }
-  std::wstring wide() const { return Widen(name_); }
+// Linux: the /dev/shm files of the mutex objects named after `name` (the library keeps them).
+inline std::vector<std::filesystem::path> MutexObjects(const std::string& name) {
+  std::vector<std::filesystem::path> found;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", error)) {
+    if (entry.path().filename().string().rfind("util-mutex-" + name + "-", 0) == 0)
+      found.push_back(entry.path());
+  }
+  return found;
+}
 
- private:
-  std::string name_;
+// A unique mutex name whose Linux objects are removed at scope end; declare it before its locks.
+struct ScopedMutexName {
+  explicit ScopedMutexName(const std::string& purpose) : utf8(UniqueName(purpose)), wide(Widen(utf8)) {}
+  ~ScopedMutexName() {
+    std::error_code error;
+    for (const auto& object : MutexObjects(utf8)) std::filesystem::remove(object, error);
+  }
+  const std::string utf8;
+  const std::wstring wide;
 };
 
 // Waits until `file` exists; false after timeoutMs or when `child` ends first.
-bool WaitForFile(const std::filesystem::path& file, int timeoutMs, test::ChildProcess& child);
-// Creates an empty file (the signal to a child).
-void TouchFile(const std::filesystem::path& file);
+inline bool WaitForFile(const std::filesystem::path& file, int timeoutMs, test::ChildProcess& child) {
+  for (int waited = 0; !std::filesystem::exists(file); waited += 10) {
+    if (waited >= timeoutMs || child.Wait(0) != test::ChildProcess::kStillRunning) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+inline void TouchFile(const std::filesystem::path& file) { std::ofstream(file).put('\n'); }
+
+// TryLock() on another thread, released again when taken: 1 when the lock was free to it.
+inline int OtherThreadTakes(DE::BaseLock& lock) {
+  int taken = -1;
+  std::thread([&] {
+    taken = lock.TryLock();
+    if (taken != 0) lock.UnLock();
+  }).join();
+  return taken;
+}
 
 // Exit codes of the "mutex_try" child routine: kTryBase + TryLock's result.
 constexpr int kTryBase = 10;

@@ -21,16 +21,15 @@
 namespace {
 
 using locktest::kTryBase;
+using locktest::OtherThreadTakes;
 using locktest::ScopedMutexName;
 
 constexpr int kChildTimeoutMs = 60000;
 
-std::wstring WideArg(const std::string& utf8) { return locktest::Widen(utf8); }
-
 // Takes the mutex, signals "<dir>/locked", waits for "<dir>/release", releases, exits 0.
 TEST_CHILD_MAIN(mutex_hold) {
   const std::filesystem::path dir = args.at(1);
-  DE::NamedMutexLock lock(WideArg(args.at(0)).c_str());
+  DE::NamedMutexLock lock(locktest::Widen(args.at(0)).c_str());
   lock.Lock();
   locktest::TouchFile(dir / "locked");
   for (int i = 0; i < kChildTimeoutMs / 10 && !std::filesystem::exists(dir / "release"); ++i) {
@@ -40,11 +39,10 @@ TEST_CHILD_MAIN(mutex_hold) {
   return 0;
 }
 
-// Takes the mutex and ends the process at once, the way a crashed owner does: no destructor
-// releases the mutex and no exit handler runs (so a leak checker has nothing to report either).
-// The mutex is then abandoned.
+// Takes the mutex and ends at once like a crashed owner: no release, no exit handlers (so a leak
+// checker has nothing to report either).
 TEST_CHILD_MAIN(mutex_abandon) {
-  DE::NamedMutexLock lock(WideArg(args.at(0)).c_str());
+  DE::NamedMutexLock lock(locktest::Widen(args.at(0)).c_str());
   lock.Lock();
   std::fflush(nullptr);
   std::_Exit(0);
@@ -52,39 +50,30 @@ TEST_CHILD_MAIN(mutex_abandon) {
 
 // Exits with kTryBase + TryLock() (releasing again what it took).
 TEST_CHILD_MAIN(mutex_try) {
-  DE::NamedMutexLock lock(WideArg(args.at(0)).c_str());
+  DE::NamedMutexLock lock(locktest::Widen(args.at(0)).c_str());
   const int taken = lock.TryLock();
   if (taken != 0) lock.UnLock();
   return kTryBase + taken;
 }
 
 int ChildTryLock(const ScopedMutexName& name) {
-  return test::RunSelf({"mutex_try", name.utf8()}, kChildTimeoutMs);
-}
-
-template <typename Body>
-int OnOtherThread(Body body) {
-  int result = -1;
-  std::thread thread([&] { result = body(); });
-  thread.join();
-  return result;
+  return test::RunSelf({"mutex_try", name.utf8}, kChildTimeoutMs);
 }
 
 TEST(NamedMutexLock, ExcludesAnotherProcess) {
   ScopedMutexName name("exclusion");
   test::TempDir dir;
-  DE::NamedMutexLock lock(name.wide().c_str());
+  DE::NamedMutexLock lock(name.wide.c_str());
 
   test::ChildProcess holder;
-  ASSERT_TRUE(holder.Start({"mutex_hold", name.utf8(), dir.Path().string()}));
+  ASSERT_TRUE(holder.Start({"mutex_hold", name.utf8, dir.Path().string()}));
   ASSERT_TRUE(locktest::WaitForFile(dir.File("locked"), kChildTimeoutMs, holder));
   EXPECT_EQ(0, lock.TryLock());
   EXPECT_EQ(0, lock.TryLock(20));
   EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // a third process is kept out too
 
   locktest::TouchFile(dir.File("release"));
-  // A long TryLock waits for the holder to let go.
-  EXPECT_EQ(1, lock.TryLock(kChildTimeoutMs));
+  EXPECT_EQ(1, lock.TryLock(kChildTimeoutMs));  // a long TryLock waits for the holder to let go
   EXPECT_EQ(0, holder.Wait(kChildTimeoutMs));
   EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // now we hold it
   lock.UnLock();
@@ -96,8 +85,8 @@ TEST(NamedMutexLock, ExcludesAnotherProcess) {
 TEST(NamedMutexLock, AbandonedMutexIsOwnedButTryLockSaysZero) {
   ScopedMutexName name("abandoned");
   // Opened first: on Windows a mutex with no handle left would vanish with the child.
-  DE::NamedMutexLock lock(name.wide().c_str());
-  ASSERT_EQ(0, test::RunSelf({"mutex_abandon", name.utf8()}, kChildTimeoutMs));
+  DE::NamedMutexLock lock(name.wide.c_str());
+  ASSERT_EQ(0, test::RunSelf({"mutex_abandon", name.utf8}, kChildTimeoutMs));
 
   EXPECT_EQ(0, lock.TryLock());                 // abandoned: reported as not taken...
   EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // ...yet owned by us
@@ -107,109 +96,61 @@ TEST(NamedMutexLock, AbandonedMutexIsOwnedButTryLockSaysZero) {
   lock.UnLock();
 
   // Lock() takes an abandoned mutex and returns normally.
-  ASSERT_EQ(0, test::RunSelf({"mutex_abandon", name.utf8()}, kChildTimeoutMs));
+  ASSERT_EQ(0, test::RunSelf({"mutex_abandon", name.utf8}, kChildTimeoutMs));
   lock.Lock();
   EXPECT_EQ(kTryBase + 0, ChildTryLock(name));
   lock.UnLock();
   EXPECT_EQ(kTryBase + 1, ChildTryLock(name));
 }
 
-TEST(NamedMutexLock, ThreadEndingWhileOwningAbandonsIt) {
-  ScopedMutexName name("thread");
-  DE::NamedMutexLock lock(name.wide().c_str());
-  std::thread([&] { lock.Lock(); }).join();  // ends without UnLock
-
-  EXPECT_EQ(0, lock.TryLock());  // abandoned, and now ours
-  EXPECT_EQ(0, OnOtherThread([&] { return lock.TryLock(); }));
-  lock.UnLock();
-  EXPECT_EQ(1, OnOtherThread([&] {
-              const int taken = lock.TryLock();
-              if (taken != 0) lock.UnLock();
-              return taken;
-            }));
-}
-
-TEST(NamedMutexLock, OwnerRecursesAndDestructorReleasesOnce) {
-  ScopedMutexName name("recursion");
-  DE::NamedMutexLock lock(name.wide().c_str());
-  lock.Lock();
-  EXPECT_EQ(1, lock.TryLock());
-  lock.UnLock();
-  EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // one level still held
-  lock.UnLock();
-  EXPECT_EQ(kTryBase + 1, ChildTryLock(name));
-
-  // UnLock from a thread that does not own it changes nothing.
-  lock.Lock();
-  OnOtherThread([&] {
-    lock.UnLock();
-    return 0;
-  });
-  EXPECT_EQ(kTryBase + 0, ChildTryLock(name));
-  lock.UnLock();
-
-  // The destructor releases what its own object took (the mutex lives on through `lock`).
+TEST(NamedMutexLock, OwnershipWithinOneProcess) {
+  ScopedMutexName name("local");
+  ScopedMutexName otherName("other");
+  DE::NamedMutexLock lock(name.wide.c_str());
+  DE::NamedMutexLock other(otherName.wide.c_str());
   {
-    DE::NamedMutexLock scoped(name.wide().c_str());
-    scoped.Lock();
-    EXPECT_EQ(kTryBase + 0, ChildTryLock(name));
-  }
+    DE::NamedMutexLock same(name.wide.c_str());  // the same mutex through another object
+    lock.Lock();
+    EXPECT_EQ(1, same.TryLock());  // the owner recurses
+    EXPECT_EQ(0, OtherThreadTakes(same));
+    EXPECT_EQ(1, OtherThreadTakes(other));
+    std::thread([&] { lock.UnLock(); }).join();  // not the owner: changes nothing
+    lock.UnLock();
+    EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // one level still held
+  }                                               // the destructor releases it
   EXPECT_EQ(kTryBase + 1, ChildTryLock(name));
+
+  // A thread that ends while owning abandons the mutex.
+  std::thread([&] { lock.Lock(); }).join();
+  EXPECT_EQ(0, lock.TryLock());  // abandoned, and now ours
+  EXPECT_EQ(0, OtherThreadTakes(lock));
+  lock.UnLock();
+  EXPECT_EQ(1, OtherThreadTakes(lock));
 }
 
-TEST(NamedMutexLock, SameNameInOneProcessIsOneMutex) {
-  ScopedMutexName name("same");
-  ScopedMutexName other("other");
-  DE::NamedMutexLock first(name.wide().c_str());
-  DE::NamedMutexLock second(name.wide().c_str());
-  DE::NamedMutexLock unrelated(other.wide().c_str());
-
-  first.Lock();
-  EXPECT_EQ(0, OnOtherThread([&] { return second.TryLock(); }));
-  EXPECT_EQ(1, second.TryLock());  // the owning thread, through the other object
-  second.UnLock();
-  EXPECT_EQ(1, OnOtherThread([&] {
-              const int taken = unrelated.TryLock();
-              if (taken != 0) unrelated.UnLock();
-              return taken;
-            }));
-  first.UnLock();
-  EXPECT_EQ(1, OnOtherThread([&] {
-              const int taken = second.TryLock();
-              if (taken != 0) second.UnLock();
-              return taken;
-            }));
-}
-
-TEST(NamedMutexLock, UnnamedAndUnusableNames) {
+TEST(NamedMutexLock, UnnamedAndRefusedNames) {
   // No name: a mutex of this object alone, still exclusive between threads.
-  DE::NamedMutexLock unnamed(nullptr);
-  EXPECT_EQ(1, unnamed.TryLock());
-  EXPECT_EQ(0, OnOtherThread([&] { return unnamed.TryLock(); }));
-  unnamed.UnLock();
-  DE::NamedMutexLock empty(L"");
-  EXPECT_EQ(1, empty.TryLock());
-  empty.UnLock();
-
+  for (const wchar_t* none : {static_cast<const wchar_t*>(nullptr), L""}) {
+    DE::NamedMutexLock unnamed(none);
+    EXPECT_EQ(1, unnamed.TryLock());
+    EXPECT_EQ(0, OtherThreadTakes(unnamed));
+    unnamed.UnLock();
+  }
   // Names Windows refuses leave a null handle: TryLock fails, Lock returns, UnLock does nothing.
-  const wchar_t* const kBadNames[] = {L"NoSuchNamespace\\x", L"Global\\", L"Global\\\\x", L"Global"};
-  for (std::size_t i = 0; i < sizeof(kBadNames) / sizeof(kBadNames[0]); ++i) {
-    SCOPED_TRACE(::testing::Message() << "name #" << i);
-    DE::NamedMutexLock lock(kBadNames[i]);
+  for (const wchar_t* bad : {L"NoSuchNamespace\\x", L"Global\\", L"Global\\\\x", L"Global"}) {
+    SCOPED_TRACE(::testing::Message() << bad);
+    DE::NamedMutexLock lock(bad);
     EXPECT_EQ(0, lock.TryLock());
     lock.Lock();
     lock.UnLock();
-    EXPECT_EQ(0, OnOtherThread([&] { return lock.TryLock(); }));
+    EXPECT_EQ(0, OtherThreadTakes(lock));
   }
 }
 
 TEST(CreateDACL, FillsAttributesAndFreesThem) {
   EXPECT_FALSE(DE::CreateDACL(nullptr));
   DE::FreeDACL(nullptr);
-  SECURITY_ATTRIBUTES attributes;
-  attributes.nLength = 0;
-  attributes.bInheritHandle = TRUE;
-  attributes.lpSecurityDescriptor = nullptr;
+  SECURITY_ATTRIBUTES attributes = {0, nullptr, TRUE};
   ASSERT_TRUE(DE::CreateDACL(&attributes));
   EXPECT_EQ(sizeof(SECURITY_ATTRIBUTES), attributes.nLength);
   EXPECT_EQ(FALSE, attributes.bInheritHandle);
