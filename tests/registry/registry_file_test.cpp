@@ -1,5 +1,6 @@
 // .reg import and export against hand-written REGEDIT5 text, on both builds.
 #include <string>
+#include <tuple>
 
 #include "DERegistry.h"
 #include "DERegistryFile.h"
@@ -14,22 +15,10 @@ using test::TestKeyPath;
 
 std::string FileBytes(const std::u16string& text) { return "\xFF\xFE" + test::Utf16Bytes(text); }
 
-std::u16string Path16() {
-  const std::wstring& path = TestKeyPath();
-  return std::u16string(path.begin(), path.end());
-}
-
-std::string Raw(Registry& registry, const std::wstring& name) {
-  std::string bytes(256, '\0');
-  int size = 256;
-  DE::RegDataType type;
-  if (!registry.GetData(name, &bytes[0], size, type)) return "<failed>";
-  return bytes.substr(0, static_cast<size_t>(size));
-}
-
 TEST_F(RegistryTest, ImportAndExportRegFiles) {
   test::TempDir folder;
-  const std::u16string key = u"HKEY_CURRENT_USER\\" + Path16() + u"\\Reg";
+  const std::u16string key =
+      u"HKEY_CURRENT_USER\\" + std::u16string(TestKeyPath().begin(), TestKeyPath().end()) + u"\\Reg";
   // Values in name order, as both registries then list them the same way.
   const std::u16string text =
       u"Windows Registry Editor Version 5.00\r\n\r\n"
@@ -58,19 +47,20 @@ TEST_F(RegistryTest, ImportAndExportRegFiles) {
 
   Registry registry;
   ASSERT_TRUE(registry.OpenKey(L"\\" + TestKeyPath() + L"\\Reg", false));
-  std::wstring value;
-  ASSERT_TRUE(registry.ReadString(L"", value));
-  EXPECT_EQ(L"default \"quoted\" \\ back", value);
-  EXPECT_EQ(std::string("\x00\x01\xfe\xff", 4), Raw(registry, L"Bin"));
-  int number = 0;
-  ASSERT_TRUE(registry.ReadInteger(L"Dw", number));
-  EXPECT_EQ(10, number);
-  ASSERT_TRUE(registry.ReadString(L"Exp", value));
-  EXPECT_EQ(L"%T", value);
-  EXPECT_EQ(std::string("a\0\0\0b\0\0\0\0\0", 10), Raw(registry, L"Multi"));
-  EXPECT_EQ(DE::rdUnknown, registry.GetDataType(L"Multi"));
-  EXPECT_EQ(0, registry.GetDataSize(L"None"));
-  EXPECT_EQ(std::string("\x01\x02\x03\x04\x05\x06\x07\x08"), Raw(registry, L"Q"));
+  using DE::RegDataType;
+  const std::tuple<const wchar_t*, RegDataType, std::string> values[] = {
+      {L"", DE::rdString, test::Utf16Bytes(u"default \"quoted\" \\ back") + std::string(2, '\0')},
+      {L"Bin", DE::rdBinary, std::string("\x00\x01\xfe\xff", 4)},
+      {L"Dw", DE::rdInteger, std::string("\x0a\0\0\0", 4)},
+      {L"Exp", DE::rdExpandString, std::string("%\0T\0\0\0", 6)},
+      {L"Multi", DE::rdUnknown, std::string("a\0\0\0b\0\0\0\0\0", 10)},
+      {L"None", DE::rdUnknown, ""},
+      {L"Q", DE::rdUnknown, "\x01\x02\x03\x04\x05\x06\x07\x08"}};
+  for (const auto& [name, type, bytes] : values) {
+    RegDataType found = DE::rdString;
+    EXPECT_EQ(bytes, test::RawData(registry, name, &found)) << name;
+    EXPECT_EQ(type, found) << name;
+  }
   EXPECT_EQ(26, registry.GetDataSize(L"Wrapped"));
   std::wstring child;
   ASSERT_TRUE(Registry::GetValue(HKEY_CURRENT_USER, TestKeyPath() + L"\\Reg\\Child", L"s", child, 0));

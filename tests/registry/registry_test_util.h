@@ -1,8 +1,6 @@
-// Shared set-up of the registry tests: a private store on Linux, a unique test key everywhere.
-//
-// On Linux the store lives in a temporary folder (UTIL_REGISTRY_DIR is set before any test
-// runs); under Wine the real registry of the test prefix is used. Every test works below
-// TestKeyPath() in HKEY_CURRENT_USER, which the fixture deletes afterwards.
+// Shared set-up of the registry tests. On Linux the store lives in a temporary folder
+// (UTIL_REGISTRY_DIR, set before any test runs); under Wine the prefix's registry is used. Every
+// test works below TestKeyPath() in HKEY_CURRENT_USER, which the fixture deletes afterwards.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,11 +13,11 @@ namespace test {
 
 // "Software\UtilTest-<random>", the same for the whole process.
 const std::wstring& TestKeyPath();
-// True when the Windows build runs under Wine.
 bool RunningOnWine();
-
-// UTF-16LE bytes of text (ASCII and \u escapes), the Windows form of string data.
+// UTF-16LE bytes of text, the Windows form of string data.
 std::string Utf16Bytes(const std::u16string& text);
+// The raw data of a value of the open key, or "<failed>".
+std::string RawData(DE::Registry& registry, const std::wstring& name, DE::RegDataType* type = nullptr);
 
 class RegistryTest : public ::testing::Test {
  protected:
