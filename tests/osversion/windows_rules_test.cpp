@@ -9,175 +9,136 @@ namespace {
 
 using DE::detail::ComputeWindowsVersion;
 using DE::detail::OsVersionFields;
-using DE::detail::WindowsReleaseName;
-using DE::detail::WindowsVersionQueries;
 using DE::detail::WindowsVersionRecord;
 
-// The answers the fake queries give, and which queries were made.
+// The answers the fake queries give, and the queries made, in order: Architecture, Workstation,
+// Kernel, R2.
 struct FakeSystem {
   bool versionOk = true;
   WindowsVersionRecord record;
   int nativeArchitecture = 9;
   bool workstationOk = true;
-  int workstationMajor = 0;
-  int workstationMinor = 0;
+  int workstationMajor = 0, workstationMinor = 0;
   bool kernelOk = true;
-  std::uint32_t kernelMs = 0;
-  std::uint32_t kernelLs = 0;
+  std::uint32_t kernelMs = 0, kernelLs = 0;
   int serverR2 = 0;
-  int architectureAsked = 0;
-  int workstationAsked = 0;
-  int kernelAsked = 0;
-  int serverR2Asked = 0;
+  std::string asked;
 };
 
 FakeSystem fake;
 
-bool FakeVersionEx(WindowsVersionRecord& record) {
-  if (fake.versionOk) record = fake.record;
-  return fake.versionOk;
-}
-int FakeArchitecture() {
-  ++fake.architectureAsked;
-  return fake.nativeArchitecture;
-}
-bool FakeWorkstation(int& major, int& minor) {
-  ++fake.workstationAsked;
-  major = fake.workstationMajor;
-  minor = fake.workstationMinor;
-  return fake.workstationOk;
-}
-bool FakeKernel(std::uint32_t& ms, std::uint32_t& ls) {
-  ++fake.kernelAsked;
-  ms = fake.kernelMs;
-  ls = fake.kernelLs;
-  return fake.kernelOk;
-}
 int FakeServerR2() {
-  ++fake.serverR2Asked;
+  fake.asked += 'R';
   return fake.serverR2;
 }
 
-const WindowsVersionQueries kQueries = {FakeVersionEx, FakeArchitecture, FakeWorkstation, FakeKernel,
-                                        FakeServerR2};
+const DE::detail::WindowsVersionQueries kQueries = {[](WindowsVersionRecord& r) {
+                                                      if (fake.versionOk) r = fake.record;
+                                                      return fake.versionOk;
+                                                    },
+                                                    [] {
+                                                      fake.asked += 'A';
+                                                      return fake.nativeArchitecture;
+                                                    },
+                                                    [](int& major, int& minor) {
+                                                      fake.asked += 'W';
+                                                      major = fake.workstationMajor;
+                                                      minor = fake.workstationMinor;
+                                                      return fake.workstationOk;
+                                                    },
+                                                    [](std::uint32_t& ms, std::uint32_t& ls) {
+                                                      fake.asked += 'K';
+                                                      ms = fake.kernelMs;
+                                                      ls = fake.kernelLs;
+                                                      return fake.kernelOk;
+                                                    },
+                                                    FakeServerR2};
 
-WindowsVersionRecord Record(int major, int minor, int build, int spMajor, int spMinor, int productType) {
-  WindowsVersionRecord r;
-  r.major = major;
-  r.minor = minor;
-  r.build = build;
-  r.servicePackMajor = spMajor;
-  r.servicePackMinor = spMinor;
-  r.productType = productType;
-  return r;
+// major, minor, build and name of the computed fields, in one comparable text.
+std::wstring Summary(const OsVersionFields& f) {
+  return std::to_wstring(f.major) + L"." + std::to_wstring(f.minor) + L"." + std::to_wstring(f.build) + L" " +
+         f.name;
 }
 
 class WindowsVersionRules : public ::testing::Test {
  protected:
   void SetUp() override { fake = FakeSystem(); }
+  // Runs the algorithm afresh, recording only this run's queries.
+  static OsVersionFields Compute() {
+    fake.asked.clear();
+    return ComputeWindowsVersion(kQueries);
+  }
 };
 
-TEST_F(WindowsVersionRules, WorkstationServiceNumbersWithBuildZero) {
-  // A shimmed GetVersionExW says 6.2; the workstation service knows it is 10.0.
-  fake.record = Record(6, 2, 9200, 0, 0, 1);
+TEST_F(WindowsVersionRules, UnshimmedNumbers) {
+  // A shimmed GetVersionExW says 6.2; the workstation service knows it is 10.0 (and has no build).
+  fake.record = {6, 2, 9200, 0, 0, 1};
   fake.workstationMajor = 10;
   fake.kernelMs = 0x000A0000;
   fake.kernelLs = 0x4A650001;
-  const OsVersionFields f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(10, f.major);
-  EXPECT_EQ(0, f.minor);
-  EXPECT_EQ(0, f.build);
-  EXPECT_EQ(L"Windows", f.name);
+  const OsVersionFields f = Compute();
+  EXPECT_EQ(L"10.0.0 Windows", Summary(f));
   EXPECT_EQ(1, f.architecture);
   EXPECT_EQ(0, f.platform);
-  EXPECT_EQ(0, fake.kernelAsked);
-}
+  EXPECT_EQ("AW", fake.asked);
 
-TEST_F(WindowsVersionRules, KernelResourceWhenTheWorkstationServiceFails) {
-  fake.record = Record(6, 2, 9200, 0, 0, 1);
+  // The service failing: kernel32's resource, whatever the failed call left behind.
   fake.workstationOk = false;
-  fake.workstationMajor = 77;  // whatever a failed call leaves is not used
-  fake.kernelMs = 0x000A0000;  // 10.0
-  fake.kernelLs = 0x4A650001;  // build 19045, revision 1
-  OsVersionFields f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(10, f.major);
-  EXPECT_EQ(0, f.minor);
-  EXPECT_EQ(19045, f.build);
-  EXPECT_EQ(L"Windows", f.name);
-
-  fake.kernelMs = 0x00060003;  // 6.3: the table names it
+  fake.workstationMajor = 77;
+  EXPECT_EQ(L"10.0.19045 Windows", Summary(Compute()));
+  EXPECT_EQ("AWK", fake.asked);
+  fake.kernelMs = 0x00060003;
   fake.kernelLs = 0x25800000;
-  f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(6, f.major);
-  EXPECT_EQ(3, f.minor);
-  EXPECT_EQ(9600, f.build);
-  EXPECT_EQ(L"Windows 8.1", f.name);
-
-  // Both sources failing zero the numbers; the name stays "Windows".
+  EXPECT_EQ(L"6.3.9600 Windows 8.1", Summary(Compute()));
+  // Both failing zero the numbers; the name stays "Windows".
   fake.kernelOk = false;
-  f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(0, f.major);
-  EXPECT_EQ(0, f.minor);
-  EXPECT_EQ(0, f.build);
-  EXPECT_EQ(L"Windows", f.name);
+  EXPECT_EQ(L"0.0.0 Windows", Summary(Compute()));
 }
 
 TEST_F(WindowsVersionRules, ServicePackAndProductTypeComeFromTheVersionRecord) {
-  fake.record = Record(6, 1, 7601, 1, 2, 3);  // Server 2008 R2 SP1
+  fake.record = {6, 1, 7601, 1, 2, 3};  // Server 2008 R2 SP1
   fake.workstationMajor = 6;
   fake.workstationMinor = 1;
-  OsVersionFields f = ComputeWindowsVersion(kQueries);
+  const OsVersionFields f = Compute();
+  EXPECT_EQ(L"6.1.0 Windows Server 2008 R2", Summary(f));
   EXPECT_EQ(1, f.servicePackMajor);
   EXPECT_EQ(2, f.servicePackMinor);
-  EXPECT_EQ(0, f.build);
-  EXPECT_EQ(L"Windows Server 2008 R2", f.name);
-
   fake.record.productType = 1;
-  EXPECT_EQ(L"Windows 7", ComputeWindowsVersion(kQueries).name);
+  EXPECT_EQ(L"Windows 7", Compute().name);
+
+  // 5.2 through the whole algorithm: the architecture and SM_SERVERR2 reach the name.
+  fake.record = {5, 2, 3790, 2, 0, 1};
+  fake.workstationMajor = 5;
+  fake.workstationMinor = 2;
+  EXPECT_EQ(L"Windows XP", Compute().name);
+  fake.nativeArchitecture = 0;
+  fake.serverR2 = 1;
+  EXPECT_EQ(L"Windows Server 2003 R2", Compute().name);
+  EXPECT_EQ("AWR", fake.asked);
 }
 
-TEST_F(WindowsVersionRules, OlderReleasesKeepTheRecordNumbers) {
+TEST_F(WindowsVersionRules, OlderReleasesAndFailures) {
   // XP SP3: no unshimmed query, the record's build stays; the architecture is asked from 5.1 on.
-  fake.record = Record(5, 1, 2600, 3, 0, 1);
+  fake.record = {5, 1, 2600, 3, 0, 1};
   fake.nativeArchitecture = 0;
-  OsVersionFields f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(5, f.major);
-  EXPECT_EQ(1, f.minor);
-  EXPECT_EQ(2600, f.build);
-  EXPECT_EQ(3, f.servicePackMajor);
-  EXPECT_EQ(0, f.architecture);
-  EXPECT_EQ(L"Windows XP", f.name);
-  EXPECT_EQ(1, fake.architectureAsked);
-  EXPECT_EQ(0, fake.workstationAsked);
-
+  EXPECT_EQ(L"5.1.2600 Windows XP", Summary(Compute()));
+  EXPECT_EQ("A", fake.asked);
   // 2000: the native architecture is not asked at all.
-  fake = FakeSystem();
-  fake.record = Record(5, 0, 2195, 4, 0, 1);
-  f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(0, f.architecture);
-  EXPECT_EQ(0, fake.architectureAsked);
-  EXPECT_EQ(L"Windows 2000", f.name);
-
+  fake.record = {5, 0, 2195, 4, 0, 1};
+  EXPECT_EQ(L"5.0.2195 Windows 2000", Summary(Compute()));
+  EXPECT_EQ("", fake.asked);
   // The unshimmed query runs for any minor of 2 or more, even below major 5.
-  fake = FakeSystem();
-  fake.record = Record(4, 2, 1, 0, 0, 1);
+  fake.record = {4, 2, 1, 0, 0, 1};
   fake.workstationMajor = 4;
   fake.workstationMinor = 2;
-  f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(1, fake.workstationAsked);
-  EXPECT_EQ(0, f.build);
-  EXPECT_EQ(L"Windows", f.name);
-}
-
-TEST_F(WindowsVersionRules, FailedVersionQueryLeavesZerosAndNoName) {
+  EXPECT_EQ(L"4.2.0 Windows", Summary(Compute()));
+  EXPECT_EQ("W", fake.asked);
+  // GetVersionExW failing: zeros, no name, nothing else asked.
   fake.versionOk = false;
-  const OsVersionFields f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(0, f.major);
-  EXPECT_EQ(0, f.minor);
-  EXPECT_EQ(0, f.build);
+  const OsVersionFields f = Compute();
+  EXPECT_EQ(L"0.0.0 ", Summary(f));
   EXPECT_EQ(0, f.architecture);
-  EXPECT_EQ(L"", f.name);
-  EXPECT_EQ(0, fake.workstationAsked);
+  EXPECT_EQ("", fake.asked);
 }
 
 TEST_F(WindowsVersionRules, NameTable) {
@@ -185,58 +146,30 @@ TEST_F(WindowsVersionRules, NameTable) {
     int major, minor, productType, architecture, serverR2;
     const wchar_t* name;
   };
+  // clang-format off
   const Row rows[] = {
-      {5, 0, 1, 0, 0, L"Windows 2000"},
-      {5, 0, 3, 0, 0, L"Windows 2000"},
-      {5, 1, 1, 0, 0, L"Windows XP"},
-      {5, 1, 3, 1, 0, L"Windows XP"},
-      {5, 2, 1, 1, 0, L"Windows XP"},  // XP x64 edition
-      {5, 2, 1, 1, 1, L"Windows XP"},
-      {5, 2, 1, 0, 0, L"Windows Server 2003"},  // a 32-bit 5.2 workstation is named as a server
-      {5, 2, 1, 0, 1, L"Windows Server 2003 R2"},
-      {5, 2, 3, 0, 0, L"Windows Server 2003"},
-      {5, 2, 3, 1, 1, L"Windows Server 2003 R2"},
-      {5, 2, 2, 1, 0, L"Windows Server 2003"},
-      {6, 0, 1, 1, 0, L"Windows Vista"},
-      {6, 0, 3, 1, 0, L"Windows Server 2008"},
-      {6, 1, 1, 1, 0, L"Windows 7"},
-      {6, 1, 2, 1, 0, L"Windows Server 2008 R2"},
-      {6, 2, 1, 1, 0, L"Windows 8"},
-      {6, 2, 3, 1, 0, L"Windows Server 2012"},
-      {6, 3, 1, 1, 0, L"Windows 8.1"},
-      {6, 3, 3, 1, 0, L"Windows Server 2012 R2"},
-      {6, 4, 1, 1, 0, L"Windows 10"},
-      {6, 4, 3, 1, 0, L"Windows 10"},
-      {6, 5, 1, 1, 0, L""},
-      {5, 3, 1, 1, 0, L""},
-      {10, 0, 1, 1, 0, L""},
-      {10, 0, 3, 1, 1, L""},
-      {4, 0, 1, 0, 0, L""},
-      {0, 0, 0, 0, 0, L""},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.major << "." << row.minor << " type " << row.productType
-                                    << " arch " << row.architecture << " r2 " << row.serverR2);
+      {5, 0, 1, 0, 0, L"Windows 2000"},           {5, 1, 3, 1, 0, L"Windows XP"},
+      {5, 2, 1, 1, 1, L"Windows XP"},             {5, 2, 1, 0, 0, L"Windows Server 2003"},
+      {5, 2, 1, 0, 1, L"Windows Server 2003 R2"}, {5, 2, 3, 1, 1, L"Windows Server 2003 R2"},
+      {5, 2, 2, 1, 0, L"Windows Server 2003"},    {6, 0, 1, 1, 0, L"Windows Vista"},
+      {6, 0, 3, 1, 0, L"Windows Server 2008"},    {6, 1, 1, 1, 0, L"Windows 7"},
+      {6, 1, 2, 1, 0, L"Windows Server 2008 R2"}, {6, 2, 1, 1, 0, L"Windows 8"},
+      {6, 2, 3, 1, 0, L"Windows Server 2012"},    {6, 3, 1, 1, 0, L"Windows 8.1"},
+      {6, 3, 3, 1, 0, L"Windows Server 2012 R2"}, {6, 4, 3, 1, 0, L"Windows 10"},
+      {6, 5, 1, 1, 0, L""},                       {5, 3, 1, 1, 0, L""},
+      {10, 0, 1, 1, 0, L""},                      {4, 0, 1, 0, 0, L""}};
+  // clang-format on
+  for (const Row& r : rows) {
+    SCOPED_TRACE(testing::Message() << r.major << "." << r.minor << " type " << r.productType << " arch "
+                                    << r.architecture << " r2 " << r.serverR2);
     fake = FakeSystem();
-    fake.serverR2 = row.serverR2;
-    EXPECT_EQ(std::wstring(row.name),
-              WindowsReleaseName(row.major, row.minor, row.productType, row.architecture, FakeServerR2));
+    fake.serverR2 = r.serverR2;
+    EXPECT_EQ(std::wstring(r.name),
+              DE::detail::WindowsReleaseName(r.major, r.minor, r.productType, r.architecture, FakeServerR2));
     // GetSystemMetrics is asked only to tell the two Server 2003 releases apart.
-    const bool askR2 = row.major == 5 && row.minor == 2 && !(row.productType == 1 && row.architecture == 1);
-    EXPECT_EQ(askR2 ? 1 : 0, fake.serverR2Asked);
+    const bool askR2 = r.major == 5 && r.minor == 2 && !(r.productType == 1 && r.architecture == 1);
+    EXPECT_EQ(askR2 ? "R" : "", fake.asked);
   }
-}
-
-TEST_F(WindowsVersionRules, FiveTwoThroughTheWholeAlgorithm) {
-  fake.record = Record(5, 2, 3790, 2, 0, 1);
-  fake.workstationMajor = 5;
-  fake.workstationMinor = 2;
-  EXPECT_EQ(L"Windows XP", ComputeWindowsVersion(kQueries).name);
-  fake.nativeArchitecture = 0;  // x86
-  fake.serverR2 = 1;
-  const OsVersionFields f = ComputeWindowsVersion(kQueries);
-  EXPECT_EQ(L"Windows Server 2003 R2", f.name);
-  EXPECT_EQ(2, f.servicePackMajor);
 }
 
 }  // namespace

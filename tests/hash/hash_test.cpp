@@ -1,0 +1,338 @@
+// Digests against the FIPS 180-4 vectors and the digests sha1sum/sha256sum give, the digest classes'
+// life cycle, the stream block-reading rules, unopenable files and a file in use by another process.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+
+#include "DEHash.h"
+#include "DEStream.h"
+#include "DEString.h"
+#include "common/child_process.h"
+#include "common/platform_info.h"
+#include "common/temp_dir.h"
+
+namespace {
+
+const char kAbcSha1[] = "A9993E364706816ABA3E25717850C26C9CD0D89D";
+const char kAbcSha256[] = "BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD";
+const char kEmptySha1[] = "DA39A3EE5E6B4B0D3255BFEF95601890AFD80709";
+const char kEmptySha256[] = "E3B0C44298FC1C149AFBF4C8996FB92427AE41E4649B934CA495991B7852B855";
+
+// Upper-case hex of raw bytes, written here so raw digests are checked without the library.
+std::string Hex(const std::string& bytes) {
+  static const char kDigits[] = "0123456789ABCDEF";
+  std::string out;
+  for (unsigned char c : bytes) out += std::string{kDigits[c >> 4], kDigits[c & 15]};
+  return out;
+}
+
+std::string Final(DE::CryptBase& crypt) {
+  std::string out(crypt.DigestLen(), '\0');
+  crypt.Final(reinterpret_cast<unsigned char*>(&out[0]));
+  return Hex(out);
+}
+
+// Final on a closed or failed object: true when it left all of the output buffer untouched.
+bool FinalWritesNothing(DE::CryptBase& crypt) {
+  unsigned char out[32];
+  std::memset(out, 0xAB, sizeof(out));
+  crypt.Final(out);
+  return std::string(reinterpret_cast<char*>(out), sizeof(out)) == std::string(32, '\xAB');
+}
+
+// The test files' content: a 65521-byte pattern (a prime length, so it never lines up with the
+// 8192-byte blocks) repeated. The digests below were made with sha1sum and sha256sum over it.
+std::string PatternBytes(std::uint64_t size) {
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const std::uint32_t j = static_cast<std::uint32_t>(i % 65521);
+    bytes[i] = static_cast<char>((j * 2654435761u) >> 24);
+  }
+  return bytes;
+}
+
+// Linux only: the upper-case digest `tool` prints for the file; "" when it cannot be run.
+std::string ToolDigest(const char* tool, const std::filesystem::path& path) {
+#if defined(_WIN32)
+  (void)tool, (void)path;
+  return std::string();
+#else
+  FILE* pipe = popen((std::string(tool) + " '" + path.string() + "'").c_str(), "r");
+  if (pipe == nullptr) return std::string();
+  char buffer[256] = {};
+  const bool read = std::fgets(buffer, sizeof(buffer), pipe) != nullptr;
+  if (pclose(pipe) != 0 || !read) return std::string();
+  std::string digest(buffer, std::strcspn(buffer, " "));
+  for (char& c : digest) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return digest;
+#endif
+}
+
+// A stream over a copy of `bytes`, positioned at its start.
+struct BytesStream {
+  explicit BytesStream(const std::string& b)
+      : bytes(b), stream(&bytes[0], static_cast<int>(bytes.size()), true) {}
+  std::string bytes;
+  DE::MemoryrStream stream;
+};
+
+TEST(HashVectors, FipsVectorsThroughEveryBufferAndStringForm) {
+  const struct {
+    const char *message, *sha1, *sha256;
+  } vectors[] = {
+      {"abc", kAbcSha1, kAbcSha256},
+      {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "84983E441C3BD26EBAAE4AA1F95129E5E54670F1",
+       "248D6A61D20638B8E5C026930C3E6039A33CE45964FF2167F6ECEDD419DB06C1"},
+      {"abcdefghbcdefghicdefghijdefghijkefghijklfghijklmghijklmnhijklmnoijklmnopjklmnopqklmnopqrlmnopqrsmnopq"
+       "rst"
+       "nopqrstu",
+       "A49B2446A02C645BF419F995B67091253A04A259",
+       "CF5B16A778AF8380036CE59E7B0492370B249B11E8F07A51AFAC45037AFEE9D1"},
+  };
+  for (const auto& v : vectors) {
+    SCOPED_TRACE(v.message);
+    const std::string m = v.message;
+    const unsigned long n = static_cast<unsigned long>(m.size());
+    EXPECT_EQ(v.sha1, DE::GetStringSha1Hex(m));
+    EXPECT_EQ(v.sha256, DE::GetStringSha256Hex(m));
+    EXPECT_EQ(v.sha1, DE::GetBufferSha1Hex(m.data(), n));
+    EXPECT_EQ(v.sha256, DE::GetBufferSha256Hex(m.data(), n));
+    EXPECT_EQ(v.sha1, Hex(DE::GetStringSha1(m)));
+    EXPECT_EQ(v.sha256, Hex(DE::GetStringSha256(m)));
+    EXPECT_EQ(v.sha1, Hex(DE::GetBufferSha1(m.data(), n)));
+    EXPECT_EQ(v.sha256, Hex(DE::GetBufferSha256(m.data(), n)));
+  }
+  // Embedded NULs and high bytes count like any other byte (digests from Python's hashlib).
+  const std::string withNul("abc\0", 4), high("\xFF\x00\x80\n\r", 5);
+  EXPECT_EQ("686483805AC47CA14E03514F7481A7973B401762", DE::GetStringSha1Hex(withNul));
+  EXPECT_EQ("DC1114CD074914BD872CC1F9A23EC910EA2203BC79779AB2E17DA25782A624FC",
+            DE::GetStringSha256Hex(withNul));
+  EXPECT_EQ("729BDD70C17EE08B5C8D9DE97A6468211DBDE4C6", DE::GetBufferSha1Hex(high.data(), 5));
+  EXPECT_EQ("E5A7BF5303B91012AD351DD6F4F72A34FED867AC54F08CFF5553AEDCB9B32698",
+            DE::GetBufferSha256Hex(high.data(), 5));
+}
+
+// One million "a" fed in uneven pieces, through both Update forms.
+TEST(HashVectors, MillionAInPieces) {
+  const std::string a(1000000, 'a');
+  const std::size_t pieces[] = {1, 63, 64, 65, 999, 8191, 8192, 8193, 100000};
+  DE::CryptSHA1 sha1;
+  DE::CryptSHA256 sha256;
+  sha1.Init();
+  sha256.Init();
+  for (std::size_t i = 0, at = 0; at < a.size(); ++i) {
+    const std::size_t n = std::min(pieces[i % 9], a.size() - at);
+    sha1.Update(a.data() + at, static_cast<long long>(n));
+    sha256.Update(a.substr(at, n));
+    at += n;
+  }
+  EXPECT_EQ("34AA973CD4C4DAA4F61EEB2BDBAD27316534016F", Final(sha1));
+  EXPECT_EQ("CDC76E5C9914FB9281A1C7E284D73E67F1809A48A497200E046D39CCC7112CD0", Final(sha256));
+}
+
+TEST(HashVectors, EmptyInputGivesEmptyTextNotTheEmptyDigest) {
+  EXPECT_EQ("", DE::GetStringSha1(""));
+  EXPECT_EQ("", DE::GetStringSha256Hex(""));
+  EXPECT_EQ("", DE::GetBufferSha256(nullptr, 3));
+  EXPECT_EQ("", DE::GetBufferSha1Hex("abc", 0));
+  // The rule belongs to the one-call forms: the classes do give the digest of no data.
+  DE::CryptSHA1 sha1;
+  DE::CryptSHA256 sha256;
+  sha1.Init();
+  sha256.Init();
+  EXPECT_EQ(kEmptySha1, Final(sha1));
+  EXPECT_EQ(kEmptySha256, Final(sha256));
+}
+
+TEST(CryptBase, LifeCycle) {
+  DE::CryptSHA1 sha1;
+  // Closed: Update and Final do nothing.
+  sha1.Update("xyz", 3);
+  EXPECT_TRUE(FinalWritesNothing(sha1));
+  // A second Init keeps what was added; null and negative-length data are ignored.
+  sha1.Init();
+  sha1.Update("ab", 2);
+  sha1.Init();
+  sha1.Update(nullptr, 5);
+  sha1.Update("zzz", -1);
+  sha1.Update(std::string("c"));
+  sha1.Final(nullptr);
+  EXPECT_EQ(kAbcSha1, Final(sha1));
+  // Finished: more data is ignored and the value is given again.
+  sha1.Update("more", 4);
+  EXPECT_EQ(kAbcSha1, Final(sha1));
+  // Reset closes the object (twice is harmless); Init starts afresh.
+  sha1.Reset();
+  sha1.Reset();
+  EXPECT_TRUE(FinalWritesNothing(sha1));
+  sha1.Init();
+  sha1.Update("abc", 3);
+  EXPECT_EQ(kAbcSha1, Final(sha1));
+}
+
+TEST(CryptBase, AlgorithmIdsOfTheProvider) {
+  // MD5 (CryptoAPI id 32771) is served by the same providers; RFC 1321's "abc" vector.
+  DE::CryptBase md5(32771, 16);
+  md5.Init();
+  md5.Update("abc", 3);
+  EXPECT_EQ("900150983CD24FB0D6963F7D28E17F72", Final(md5));
+  // An id no provider knows, or a length shorter than the digest: nothing is written.
+  DE::CryptBase unknown(0x1234, 20), shortSha256(32780, 20);
+  for (DE::CryptBase* crypt : {&unknown, &shortSha256}) {
+    crypt->Init();
+    crypt->Update("abc", 3);
+    EXPECT_TRUE(FinalWritesNothing(*crypt));
+  }
+}
+
+TEST(HashStream, CountsAndPosition) {
+  BytesStream s("xxabcyy");
+  EXPECT_EQ(kEmptySha1, DE::GetStreamSha1Hex(s.stream, 0));
+  // A negative count reads nothing and gives a zero-filled digest, not "".
+  EXPECT_EQ(std::string(20, '\0'), DE::GetStreamSha1(s.stream, -8193));
+  EXPECT_EQ(std::string(64, '0'), DE::GetStreamSha256Hex(s.stream, -1));
+  DE::CryptSHA1 sha1;
+  sha1.Init();
+  sha1.Update(s.stream, -1);
+  EXPECT_EQ(kEmptySha1, Final(sha1));
+  EXPECT_EQ(0, s.stream.Position());
+  // Reading starts at the current position and leaves the stream after what was read.
+  s.stream.Seek(2, DE::Begin);
+  EXPECT_EQ(kAbcSha256, Hex(DE::GetStreamSha256(s.stream, 3)));
+  EXPECT_EQ(5, s.stream.Position());
+}
+
+TEST(HashStream, ShortStreamHashesWhatTheBlockBufferHolds) {
+  // Fewer bytes than asked: the rest of the zeroed buffer is hashed.
+  BytesStream small("0123456789");
+  EXPECT_EQ(DE::GetStringSha256Hex(std::string("0123456789") + std::string(10, '\0')),
+            DE::GetStreamSha256Hex(small.stream, 20));
+  // After a full block, a short read leaves the previous block's tail in the buffer.
+  const std::string data = PatternBytes(8192 + 10);
+  BytesStream two(data);
+  EXPECT_EQ(DE::GetStringSha1Hex(data.substr(0, 8192) + data.substr(8192, 10) + data.substr(10, 8192 - 10)),
+            DE::GetStreamSha1Hex(two.stream, 16384));
+}
+
+// Pattern files and their digests, made with sha1sum/sha256sum: both sides of the 8192-byte block.
+const struct FileCase {
+  std::uint64_t size;
+  const char *sha1, *sha256;
+} kFiles[] = {
+    {0, kEmptySha1, kEmptySha256},
+    {1, "5BA93C9DB0CFF93F52B521D7420E43F6EDA2784F",
+     "6E340B9CFFB37A989CA544E6BB780A2C78901D3FB33738768511A30617AFA01D"},
+    {8191, "2F8E6DE838A849B000BF9A0AE5A8D69EF00210C4",
+     "A3C1DA0CA9F5B72C50C8CD6932567B708F95E327155115F0452877331A6CC58D"},
+    {8192, "F5FFEBA9F758D120E75BE259FC084B74F526201C",
+     "D17BB25FF10882B5D967DA4173E6A84A19AED851543648BEA2387F744EBCD7FE"},
+    {8193, "633C0AC0F3AC2D168F39561E6E9B39A0F919678E",
+     "5CE579824AD61EF0726E1D1B4BB778E98E4352F895D1F7948B84A0E278E68A61"},
+};
+
+TEST(HashFile, SizesAgainstTheDigestTools) {
+  test::TempDir dir;
+  for (const FileCase& c : kFiles) {
+    SCOPED_TRACE(c.size);
+    const std::filesystem::path path = dir.File("f" + std::to_string(c.size) + ".bin");
+    ASSERT_TRUE(test::WriteFileBytes(path, PatternBytes(c.size)));
+    // The recorded digests came from the tools; on Linux they are asked again for this file.
+    if (!test::IsWindowsBuild()) {
+      EXPECT_EQ(c.sha1, ToolDigest("sha1sum", path));
+      EXPECT_EQ(c.sha256, ToolDigest("sha256sum", path));
+    }
+    EXPECT_EQ(c.sha1, DE::GetFileSha1Hex(path.string()));
+    EXPECT_EQ(c.sha1, DE::GetFileSha1Hex(path.wstring()));
+    EXPECT_EQ(c.sha256, DE::GetFileSha256Hex(path.string()));
+    EXPECT_EQ(c.sha256, DE::GetFileSha256Hex(path.wstring()));
+    EXPECT_EQ(c.sha1, Hex(DE::GetFileSha1(path.string())));
+    EXPECT_EQ(c.sha256, Hex(DE::GetFileSha256(path.wstring())));
+    // The same bytes as a stream, across the block boundary.
+    BytesStream s(PatternBytes(c.size));
+    EXPECT_EQ(c.sha256, DE::GetStreamSha256Hex(s.stream, static_cast<long long>(c.size)));
+  }
+}
+
+TEST(HashFile, NonAsciiWidePathAndUnopenableFiles) {
+  test::TempDir dir;
+  const std::filesystem::path path =
+      dir.Path() / std::filesystem::u8path("d\xC3\xA9j\xC3\xA0 \xE4\xB8\xAD.bin");
+  ASSERT_TRUE(test::WriteFileBytes(path, "abc"));
+  const std::wstring wide = DE::StringProc::StringToWStringByUTF8(path.u8string());
+  EXPECT_EQ(kAbcSha256, DE::GetFileSha256Hex(wide));
+  EXPECT_EQ(kAbcSha1, DE::GetFileSha1Hex(wide));
+  // A missing file, a folder and an empty path give "".
+  for (const std::filesystem::path& bad : {dir.File("missing.bin"), dir.Path(), std::filesystem::path()}) {
+    SCOPED_TRACE(bad.string());
+    EXPECT_EQ("", DE::GetFileSha1(bad.string()));
+    EXPECT_EQ("", DE::GetFileSha256(bad.wstring()));
+    EXPECT_EQ("", DE::GetFileSha1Hex(bad.wstring()));
+    EXPECT_EQ("", DE::GetFileSha256Hex(bad.string()));
+  }
+}
+
+bool WaitForFile(const std::filesystem::path& path) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (!std::filesystem::exists(path)) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return true;
+}
+
+// Child: opens args[0] for writing (others may read and write), announces it by creating
+// args[1], and keeps the file open until args[2] appears.
+TEST_CHILD_MAIN(hash_hold_for_writing) {
+  DE::FileStream file(DE::StringProc::StringToWStringByUTF8(args.at(0)), 0x41);
+  if (!file.IsOpened()) return 3;
+  if (!test::WriteFileBytes(std::filesystem::u8path(args.at(1)), "ready")) return 4;
+  return WaitForFile(std::filesystem::u8path(args.at(2))) ? 0 : 5;
+}
+
+TEST(HashFile, FileHeldOpenForWritingByAnotherProcess) {
+  test::TempDir dir;
+  const std::filesystem::path path = dir.File("busy.bin"), ready = dir.File("ready"),
+                              release = dir.File("go");
+  ASSERT_TRUE(test::WriteFileBytes(path, "abc"));
+  test::ChildProcess child;
+  ASSERT_TRUE(child.Start({"hash_hold_for_writing", path.u8string(), ready.u8string(), release.u8string()}));
+  ASSERT_TRUE(WaitForFile(ready)) << "the child did not open the file";
+  EXPECT_EQ("", DE::GetFileSha1(path.string()));
+  EXPECT_EQ("", DE::GetFileSha256Hex(path.wstring()));
+  ASSERT_TRUE(test::WriteFileBytes(release, "go"));
+  EXPECT_EQ(0, child.Wait(30000));
+  // Closed again: the same file hashes normally.
+  EXPECT_EQ(kAbcSha1, DE::GetFileSha1Hex(path.string()));
+}
+
+// Several hundred megabytes through the 8192-byte buffer (its own CTest entry, labelled slow).
+TEST(HashFileSlow, SeveralHundredMegabytes) {
+  test::TempDir dir;
+  const std::filesystem::path path = dir.File("big.bin");
+  {
+    // Whole pattern periods per chunk, so every chunk starts at pattern offset 0.
+    const std::string chunk = PatternBytes(65521ull * 64);
+    std::ofstream out(path, std::ios::binary);
+    std::uint64_t left = 300ull * 1048576 + 7;
+    for (; left >= chunk.size(); left -= chunk.size())
+      out.write(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    out.write(chunk.data(), static_cast<std::streamsize>(left));
+    ASSERT_TRUE(out.good());
+  }
+  const char sha256[] = "8183C4355C7711287C790FB30EFBC703AADAEB1FBD8871AAA8A18887E138F790";
+  if (!test::IsWindowsBuild()) {
+    EXPECT_EQ(sha256, ToolDigest("sha256sum", path));
+  }
+  EXPECT_EQ(sha256, DE::GetFileSha256Hex(path.wstring()));
+  EXPECT_EQ("262D3B0C2F2C8717B27B4E39A2660FC636D3F2FF", DE::GetFileSha1Hex(path.string()));
+}
+
+}  // namespace
