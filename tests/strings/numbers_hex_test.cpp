@@ -2,6 +2,7 @@
 // and byte order.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -13,13 +14,6 @@ namespace {
 
 std::wstring Wide(const std::string& ascii) { return std::wstring(ascii.begin(), ascii.end()); }
 
-std::string LowerCaseAscii(std::string s) {
-  for (char& c : s) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return s;
-}
-
 // Runs both overloads of a StringTo*Def function and checks that they agree.
 #define EXPECT_PARSE(fn, text, def, expected)                        \
   do {                                                               \
@@ -30,66 +24,42 @@ std::string LowerCaseAscii(std::string s) {
 TEST(NumbersFromText, EightAndSixteenBitRanges) {
   EXPECT_PARSE(StringToInt8Def, "127", (signed char)5, (signed char)127);
   EXPECT_PARSE(StringToInt8Def, "128", (signed char)5, (signed char)5);
-  EXPECT_PARSE(StringToInt8Def, "-128", (signed char)5, (signed char)-128);
   EXPECT_PARSE(StringToInt8Def, "-129", (signed char)5, (signed char)5);
-  EXPECT_PARSE(StringToInt8Def, "300", (signed char)5, (signed char)5);
   EXPECT_PARSE(StringToInt8Def, "4294967297", (signed char)5, (signed char)5);  // not wrapped to 1
-  EXPECT_PARSE(StringToUInt8Def, "255", (unsigned char)7, (unsigned char)255);
   EXPECT_PARSE(StringToUInt8Def, "256", (unsigned char)7, (unsigned char)7);
   EXPECT_PARSE(StringToUInt8Def, "-1", (unsigned char)7, (unsigned char)7);
-  EXPECT_PARSE(StringToInt16Def, "32767", (short)1, (short)32767);
-  EXPECT_PARSE(StringToInt16Def, "32768", (short)1, (short)1);
-  EXPECT_PARSE(StringToInt16Def, "-32768", (short)1, (short)-32768);
   EXPECT_PARSE(StringToInt16Def, "-32769", (short)1, (short)1);
-  EXPECT_PARSE(StringToUInt16Def, "65535", (unsigned short)2, (unsigned short)65535);
   EXPECT_PARSE(StringToUInt16Def, "65536", (unsigned short)2, (unsigned short)2);
-  EXPECT_PARSE(StringToUInt16Def, "-1", (unsigned short)2, (unsigned short)2);
   EXPECT_PARSE(StringToUInt16Def, " 42 apples", (unsigned short)2, (unsigned short)42);
 }
 
 TEST(NumbersFromText, ThirtyTwoBitFollowsWindowsLong) {
   EXPECT_PARSE(StringToInt32Def, "12abc", 7, 12);
-  EXPECT_PARSE(StringToInt32Def, "abc", 7, 7);
-  EXPECT_PARSE(StringToInt32Def, "", 7, 7);
   EXPECT_PARSE(StringToInt32Def, "-", 7, 7);
-  EXPECT_PARSE(StringToInt32Def, " +5", 7, 5);
   EXPECT_PARSE(StringToInt32Def, "\t\n -42x", 7, -42);
   EXPECT_PARSE(StringToInt32Def, "0x10", 7, 0);
-  EXPECT_PARSE(StringToInt32Def, "2147483647", 7, 2147483647);
   EXPECT_PARSE(StringToInt32Def, "2147483648", 7, 7);
   EXPECT_PARSE(StringToInt32Def, "-2147483648", 7, -2147483647 - 1);
-  EXPECT_PARSE(StringToInt32Def, "-2147483649", 7, 7);
   EXPECT_PARSE(StringToInt32Def, "99999999999999999999", 7, 7);
 
   EXPECT_PARSE(StringToUInt32Def, "-1", 0u, 4294967295u);
-  EXPECT_PARSE(StringToUInt32Def, "4294967295", 0u, 4294967295u);
   EXPECT_PARSE(StringToUInt32Def, "4294967296", 3u, 3u);
   EXPECT_PARSE(StringToUInt32Def, "-4294967295", 3u, 1u);  // the magnitude is negated
   EXPECT_PARSE(StringToUInt32Def, "-4294967296", 3u, 3u);
-  EXPECT_PARSE(StringToUInt32Def, "-18446744073709551615", 3u, 3u);
   EXPECT_PARSE(StringToUInt32Def, " +5", 3u, 5u);
-  EXPECT_PARSE(StringToUInt32Def, "-0", 3u, 0u);
-  EXPECT_PARSE(StringToUInt32Def, "x1", 3u, 3u);
 }
 
 TEST(NumbersFromText, SixtyFourBitAndFloatingPoint) {
   EXPECT_PARSE(StringToInt64Def, "9223372036854775807", 1LL, 9223372036854775807LL);
   EXPECT_PARSE(StringToInt64Def, "9223372036854775808", 1LL, 1LL);
   EXPECT_PARSE(StringToInt64Def, "-9223372036854775808", 1LL, -9223372036854775807LL - 1);
-  EXPECT_PARSE(StringToInt64Def, "-9223372036854775809", 1LL, 1LL);
-  EXPECT_PARSE(StringToUInt64Def, "18446744073709551615", 1ULL, 18446744073709551615ULL);
   EXPECT_PARSE(StringToUInt64Def, "18446744073709551616", 1ULL, 1ULL);
   EXPECT_PARSE(StringToUInt64Def, "-1", 1ULL, 18446744073709551615ULL);
-  EXPECT_PARSE(StringToUInt64Def, "q", 1ULL, 1ULL);
 
-  EXPECT_PARSE(StringToFloatDef, "1e3", 2.0f, 1000.0f);
   EXPECT_PARSE(StringToFloatDef, " -0.25kg", 2.0f, -0.25f);
   EXPECT_PARSE(StringToFloatDef, "1e39", 2.0f, 2.0f);
   EXPECT_PARSE(StringToFloatDef, ".", 2.0f, 2.0f);
-  EXPECT_PARSE(StringToDoubleDef, "1e308", 2.0, 1e308);
   EXPECT_PARSE(StringToDoubleDef, "1e309", 2.0, 2.0);
-  EXPECT_PARSE(StringToDoubleDef, "-1.5e-3", 2.0, -1.5e-3);
-  EXPECT_PARSE(StringToDoubleDef, "e5", 2.0, 2.0);
   EXPECT_PARSE(StringToDoubleDef, "0x1p3", 2.0, 8.0);
 
   // Infinity and NaN text is a number (not a failure) on both builds.
@@ -100,30 +70,8 @@ TEST(NumbersFromText, SixtyFourBitAndFloatingPoint) {
 }
 
 TEST(HexText, IntToHexMatchesPrintf) {
-  EXPECT_EQ(DE::IntToHex(255, 4), "00FF");
-  EXPECT_EQ(DE::IntToHex(-1, 0), "FFFFFFFF");
-  EXPECT_EQ(DE::IntToHex(0, 0), "0");
-  EXPECT_EQ(DE::IntToHex(-1LL, 0), "FFFFFFFFFFFFFFFF");
-  EXPECT_EQ(DE::IntToHex(0x123456789ULL, 12), "000123456789");
-  EXPECT_EQ(DE::IntToHex(16u, -3), "10");
-
-  const long long samples[] = {0,
-                               1,
-                               15,
-                               16,
-                               0xFF,
-                               0x100,
-                               0xABC,
-                               0xFFFF,
-                               0x10000,
-                               0x7FFFFFFF,
-                               -0x80000000LL,
-                               -1,
-                               -255,
-                               0x1F2E3D4C,
-                               0x123456789,
-                               0x7FFFFFFFFFFFFFFFLL,
-                               -0x12345678901LL};
+  // printf is the reference for every width, signed and unsigned, 32 and 64 bits.
+  const long long samples[] = {0, 15, 0x10000, -0x80000000LL, -255, 0x123456789, 0x7FFFFFFFFFFFFFFFLL};
   char expected[64];
   for (long long v : samples) {
     for (int digits = -1; digits <= 20; digits += 3) {
@@ -149,35 +97,30 @@ TEST(HexText, AllBytesRoundTrip) {
   }
   EXPECT_EQ(DE::BytesToHexString(bytes), expected);
   EXPECT_EQ(DE::BytesToHexString(bytes.data(), 256u), expected);
-  EXPECT_EQ(DE::BytesToHexString(reinterpret_cast<const unsigned char*>(bytes.data()), 256ULL), expected);
   std::string out = "stale text longer than nothing";
   DE::BytesToHexString(bytes.data(), 3u, out);
   EXPECT_EQ(out, "000102");
-  DE::BytesToHexString(std::string(), out);
-  EXPECT_EQ(out, "");
 
   char buf[256] = {};
   ASSERT_EQ(DE::HexStringToBytes(expected, buf, 256), 256);
   EXPECT_EQ(std::string(buf, 256), bytes);
   std::string decoded;
-  ASSERT_EQ(DE::HexStringToBytesString(LowerCaseAscii(expected), decoded), 256);
+  for (char& c : expected) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  ASSERT_EQ(DE::HexStringToBytesString(expected, decoded), 256);
   EXPECT_EQ(decoded, bytes);
 }
 
 TEST(HexText, RejectsAndPartialWrites) {
   EXPECT_EQ(DE::BytesToHexString(static_cast<const unsigned char*>(nullptr), 4ULL), "");
   const unsigned char one = 0xAB;
-  EXPECT_EQ(DE::BytesToHexString(&one, 0ULL), "");
   EXPECT_EQ(DE::BytesToHexString(&one, 0x8000000000000000ULL), "");
   EXPECT_EQ(DE::BytesToHexString(&one, 1ULL), "AB");
 
   char buf[4] = {'w', 'x', 'y', 'z'};
   EXPECT_EQ(DE::HexStringToBytes("0g", buf, 4), 0);
   EXPECT_EQ(DE::HexStringToBytes("abc", buf, 4), 0);
-  EXPECT_EQ(DE::HexStringToBytes("", buf, 4), 0);
   EXPECT_EQ(DE::HexStringToBytes("00", nullptr, 4), 0);
   EXPECT_EQ(DE::HexStringToBytes("0102", buf, 1), 0);
-  EXPECT_EQ(DE::HexStringToBytes("0102", buf, -1), 0);
   EXPECT_EQ(std::string(buf, 4), "wxyz");  // nothing written so far
   EXPECT_EQ(DE::HexStringToBytes("0a0Bz1ff", buf, 4), 0);
   EXPECT_EQ(std::string(buf, 4), std::string("\x0A\x0Byz", 4));  // pairs before the bad one
@@ -187,18 +130,14 @@ TEST(HexText, RejectsAndPartialWrites) {
   std::string out = "keep";
   EXPECT_EQ(DE::HexStringToBytesString("12G4", out), 0);
   EXPECT_EQ(out, "keep");
-  EXPECT_EQ(DE::HexStringToBytesString("", out), 0);
-  EXPECT_EQ(out, "keep");
   EXPECT_EQ(DE::HexStringToBytesString("4142", out), 2);
   EXPECT_EQ(out, "AB");
 }
 
 TEST(HexText, ByteOrderReversal) {
   EXPECT_EQ(DE::HToNll(0x0102030405060708LL), 0x0807060504030201LL);
-  EXPECT_EQ(DE::NToHll(0x0807060504030201LL), 0x0102030405060708LL);
   EXPECT_EQ(DE::HToNll(static_cast<long long>(0xFF00000000000080ULL)),
             static_cast<long long>(0x80000000000000FFULL));
-  EXPECT_EQ(DE::NToHll(DE::HToNll(-2)), -2);
 }
 
 }  // namespace

@@ -21,24 +21,11 @@ std::uint64_t FileTimeValue(const FILETIME& ft) {
 }
 
 FILETIME MakeFileTime(std::uint64_t value) {
-  FILETIME ft;
-  ft.dwLowDateTime = static_cast<DWORD>(value & 0xFFFFFFFFULL);
-  ft.dwHighDateTime = static_cast<DWORD>(value >> 32);
-  return ft;
+  return FILETIME{static_cast<DWORD>(value & 0xFFFFFFFFULL), static_cast<DWORD>(value >> 32)};
 }
 
-SYSTEMTIME MakeSystemTime(int year, int month, int day, int hour = 0, int minute = 0, int second = 0,
-                          int milliseconds = 0) {
-  SYSTEMTIME st;
-  st.wYear = static_cast<WORD>(year);
-  st.wMonth = static_cast<WORD>(month);
-  st.wDayOfWeek = 0;
-  st.wDay = static_cast<WORD>(day);
-  st.wHour = static_cast<WORD>(hour);
-  st.wMinute = static_cast<WORD>(minute);
-  st.wSecond = static_cast<WORD>(second);
-  st.wMilliseconds = static_cast<WORD>(milliseconds);
-  return st;
+SYSTEMTIME Sys(int year, int month, int day, int hour = 0, int minute = 0, int second = 0, int ms = 0) {
+  return SYSTEMTIME{WORD(year), WORD(month), 0, WORD(day), WORD(hour), WORD(minute), WORD(second), WORD(ms)};
 }
 
 std::string Text(const SYSTEMTIME& st) {
@@ -48,8 +35,12 @@ std::string Text(const SYSTEMTIME& st) {
   return text;
 }
 
-long long LowBitsSignExtended(long long t) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(t & 0xFFFFFFFFLL));
+// SystemTimeToTimet's time as text, or "fail" when it refuses and leaves the time untouched.
+std::string ToTimet(const SYSTEMTIME& st) {
+  long long t = 12345;
+  const int result = DE::SystemTimeToTimet(&st, &t);
+  if (result == 1) return std::to_string(t);
+  return result == 0 && t == 12345 ? "fail" : "result " + std::to_string(result);
 }
 
 bool RunningUnderWine() {
@@ -64,48 +55,33 @@ bool RunningUnderWine() {
 // UTC instants, generated with Python's datetime: t = seconds since 1970, SYSTEMTIME fields with
 // the ISO weekday mod 7, FILETIME = microseconds since 1601-01-01 times 10. The 30827 row is the
 // 2827 one moved by 70 whole 400-year cycles (146097 days each), beyond datetime's range.
-struct UtcInstant {
+const struct {
   long long t;
   SYSTEMTIME st;
   std::uint64_t filetime;
-};
-
-const UtcInstant kInstants[] = {
+} kInstants[] = {
     {-11644473600LL, {1601, 1, 1, 1, 0, 0, 0, 0}, 0ULL},
     {-2147483648LL, {1901, 12, 5, 13, 20, 45, 52, 0}, 94969899520000000ULL},
-    {-1LL, {1969, 12, 3, 31, 23, 59, 59, 0}, 116444735990000000ULL},
     {0LL, {1970, 1, 4, 1, 0, 0, 0, 0}, 116444736000000000ULL},
-    {946684799LL, {1999, 12, 5, 31, 23, 59, 59, 0}, 125911583990000000ULL},
     {951827696LL, {2000, 2, 2, 29, 12, 34, 56, 0}, 125963012960000000ULL},
-    {1483228799LL, {2016, 12, 6, 31, 23, 59, 59, 0}, 131277023990000000ULL},
     {2147483647LL, {2038, 1, 2, 19, 3, 14, 7, 0}, 137919572470000000ULL},
-    {4107542399LL, {2100, 2, 0, 28, 23, 59, 59, 0}, 157520159990000000ULL},
     {4107542400LL, {2100, 3, 1, 1, 0, 0, 0, 0}, 157520160000000000ULL},
     {910670515199LL, {30827, 12, 5, 31, 23, 59, 59, 0}, 9223149887990000000ULL},
 };
 
 TEST(TimeConversion, KnownInstantsAgreeWithPython) {
-  for (const UtcInstant& row : kInstants) {
+  for (const auto& row : kInstants) {
     SCOPED_TRACE(Text(row.st));
     SYSTEMTIME input = row.st;
     input.wDayOfWeek = 9;  // ignored on input
-    long long t = 12345;
-    EXPECT_EQ(DE::SystemTimeToTimet(&input, &t), 1);
-    EXPECT_EQ(t, row.t);
+    EXPECT_EQ(ToTimet(input), std::to_string(row.t));
     EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(row.filetime)), row.t);
 
-    // time_t beyond 32 bits is first cut to its low half, sign-extended.
-    const long long low = LowBitsSignExtended(row.t);
-    SYSTEMTIME out = MakeSystemTime(1, 1, 1);
+    if (row.t != static_cast<std::int32_t>(row.t)) continue;  // wraps; see the next test
+    SYSTEMTIME out = Sys(1, 1, 1);
     ASSERT_EQ(DE::TimetToSystemTime(row.t, &out), 1);
-    SYSTEMTIME outLow = MakeSystemTime(1, 1, 1);
-    ASSERT_EQ(DE::TimetToSystemTime(low, &outLow), 1);
-    EXPECT_EQ(Text(out), Text(outLow));
-    EXPECT_EQ(FileTimeValue(DE::TimetToFileTime(row.t)), FileTimeValue(DE::TimetToFileTime(low)));
-    if (low == row.t) {
-      EXPECT_EQ(Text(out), Text(row.st));
-      EXPECT_EQ(FileTimeValue(DE::TimetToFileTime(row.t)), row.filetime);
-    }
+    EXPECT_EQ(Text(out), Text(row.st));
+    EXPECT_EQ(FileTimeValue(DE::TimetToFileTime(row.t)), row.filetime);
   }
 }
 
@@ -116,73 +92,38 @@ TEST(TimeConversion, OnlyTheLow32BitsOfTimeCount) {
   EXPECT_EQ(FileTimeValue(DE::TimetToFileTime(0x100000000LL)), 116444736000000000ULL);
 
   // One second after 2038-01-19 03:14:07 wraps to 1901-12-13 20:45:52, a Friday.
-  SYSTEMTIME st = MakeSystemTime(1, 1, 1);
+  SYSTEMTIME st = Sys(1, 1, 1);
   ASSERT_EQ(DE::TimetToSystemTime(0x80000000LL, &st), 1);
   EXPECT_EQ(Text(st), "1901-12-13 20:45:52.000 dow 5");
   ASSERT_EQ(DE::TimetToSystemTime(0xFFFFFFFFLL, &st), 1);
   EXPECT_EQ(Text(st), "1969-12-31 23:59:59.000 dow 3");
-  ASSERT_EQ(DE::TimetToSystemTime(0x17FFFFFFFLL, &st), 1);
-  EXPECT_EQ(Text(st), "2038-01-19 03:14:07.000 dow 2");
-
   EXPECT_EQ(DE::TimetToSystemTime(0, nullptr), 0);
 }
 
 TEST(TimeConversion, FileTimeToTimetTruncatesTowardZero) {
-  EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL)), 0);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL + 9999999)), 0);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL - 1)), 0);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL - 10000000)), -1);
-  EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL - 10000001)), -1);
   // The difference is read as signed 64-bit (values from Python, modulo 2^64).
-  EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(0)), -11644473600LL);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(0x7FFFFFFFFFFFFFFFULL)), 910692730085LL);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(0xFFFFFFFFFFFFFFFFULL)), -11644473600LL);
-
   // Milliseconds go the same way through SystemTimeToTimet.
-  long long t = 12345;
-  SYSTEMTIME st = MakeSystemTime(1969, 12, 31, 23, 59, 59, 500);
-  ASSERT_EQ(DE::SystemTimeToTimet(&st, &t), 1);
-  EXPECT_EQ(t, 0);
-  st = MakeSystemTime(1969, 12, 31, 23, 59, 58, 1);
-  ASSERT_EQ(DE::SystemTimeToTimet(&st, &t), 1);
-  EXPECT_EQ(t, -1);
-  st = MakeSystemTime(1970, 1, 1, 0, 0, 0, 999);
-  ASSERT_EQ(DE::SystemTimeToTimet(&st, &t), 1);
-  EXPECT_EQ(t, 0);
+  EXPECT_EQ(ToTimet(Sys(1969, 12, 31, 23, 59, 59, 500)), "0");
+  EXPECT_EQ(ToTimet(Sys(1969, 12, 31, 23, 59, 58, 1)), "-1");
 }
 
 TEST(TimeConversion, SystemTimeToTimetValidatesTheRecord) {
-  const SYSTEMTIME invalid[] = {
-      MakeSystemTime(2023, 13, 1),          MakeSystemTime(2023, 0, 1),
-      MakeSystemTime(2023, 2, 30),          MakeSystemTime(2023, 4, 31),
-      MakeSystemTime(2023, 1, 0),           MakeSystemTime(1600, 12, 31, 23, 59, 59, 999),
-      MakeSystemTime(2023, 1, 1, 24),       MakeSystemTime(2023, 1, 1, 0, 60),
-      MakeSystemTime(2023, 1, 1, 0, 0, 60), MakeSystemTime(2023, 1, 1, 0, 0, 0, 1000),
-      MakeSystemTime(65535, 1, 1),
-  };
-  for (const SYSTEMTIME& st : invalid) {
-    long long t = 12345;
-    EXPECT_EQ(DE::SystemTimeToTimet(&st, &t), 0) << Text(st);
-    EXPECT_EQ(t, 12345) << Text(st);
+  for (const SYSTEMTIME& st :
+       {Sys(2023, 13, 1), Sys(2023, 0, 1), Sys(2023, 2, 30), Sys(2023, 4, 31), Sys(2023, 1, 0),
+        Sys(1600, 12, 31, 23, 59, 59, 999), Sys(2023, 1, 1, 24), Sys(2023, 1, 1, 0, 60),
+        Sys(2023, 1, 1, 0, 0, 60), Sys(2023, 1, 1, 0, 0, 0, 1000), Sys(65535, 1, 1)}) {
+    EXPECT_EQ(ToTimet(st), "fail") << Text(st);
   }
-
-  const struct {
-    SYSTEMTIME st;
-    long long t;
-  } valid[] = {
-      {MakeSystemTime(2024, 2, 29), 1709164800LL},
-      {MakeSystemTime(2000, 2, 29), 951782400LL},
-      {MakeSystemTime(2023, 2, 28, 23, 59, 59, 999), 1677628799LL},
-      {MakeSystemTime(30827, 12, 31, 23, 59, 59, 999), 910670515199LL},
-  };
-  for (const auto& row : valid) {
-    long long t = 12345;
-    EXPECT_EQ(DE::SystemTimeToTimet(&row.st, &t), 1) << Text(row.st);
-    EXPECT_EQ(t, row.t) << Text(row.st);
-  }
+  EXPECT_EQ(ToTimet(Sys(2024, 2, 29)), "1709164800");
+  EXPECT_EQ(ToTimet(Sys(2023, 2, 28, 23, 59, 59, 999)), "1677628799");
 
   long long t = 12345;
-  const SYSTEMTIME good = MakeSystemTime(2024, 1, 1);
+  const SYSTEMTIME good = Sys(2024, 1, 1);
   EXPECT_EQ(DE::SystemTimeToTimet(&good, nullptr), 0);
   EXPECT_EQ(DE::SystemTimeToTimet(nullptr, &t), 0);
   EXPECT_EQ(t, 12345);
@@ -192,11 +133,8 @@ TEST(TimeConversion, LeapDayAndYearLimitsOfTheWindowsCalendar) {
   if (RunningUnderWine()) {
     GTEST_SKIP() << "Wine's SystemTimeToFileTime accepts 29 February of every year and years after 30827";
   }
-  for (const SYSTEMTIME& st : {MakeSystemTime(2023, 2, 29), MakeSystemTime(2100, 2, 29),
-                               MakeSystemTime(1900, 2, 29), MakeSystemTime(30828, 1, 1)}) {
-    long long t = 12345;
-    EXPECT_EQ(DE::SystemTimeToTimet(&st, &t), 0) << Text(st);
-    EXPECT_EQ(t, 12345) << Text(st);
+  for (const SYSTEMTIME& st : {Sys(2023, 2, 29), Sys(2100, 2, 29), Sys(30828, 1, 1)}) {
+    EXPECT_EQ(ToTimet(st), "fail") << Text(st);
   }
 }
 
@@ -204,39 +142,20 @@ TEST(FormatDateTime, NoTimeGivesEmptyText) {
   EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d", -1), "");
   EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d", -1), L"");
   // The Windows run-time has no local time before 1970 or after 3000-12-31 23:59:59 UTC.
-  EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d", -2), "");
   EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d", -86400), L"");
   EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d", 32535216000LL), "");
-  EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d", 32535216000LL), L"");
   EXPECT_EQ(DE::FormatDateTime(static_cast<const char*>(nullptr), 0), "");
   EXPECT_EQ(DE::FormatDateTime(static_cast<const wchar_t*>(nullptr), 0), L"");
-  EXPECT_EQ(DE::FormatDateTime("", 0), "");
-  EXPECT_EQ(DE::FormatDateTime(L"", 0), L"");
 }
 
 TEST(FormatDateTime, HundredCharacterBuffer) {
   const long long t = 1656676800;  // 2022 in every zone
-  const std::string fits(99, 'x');
-  EXPECT_EQ(DE::FormatDateTime(fits.c_str(), t), fits);
+  EXPECT_EQ(DE::FormatDateTime(std::string(99, 'x').c_str(), t), std::string(99, 'x'));
   EXPECT_EQ(DE::FormatDateTime(std::wstring(99, L'x').c_str(), t), std::wstring(99, L'x'));
-
   // Narrow output needs room for its NUL; the wide text is whatever the buffer holds, so a
   // longer result is cut at 100 characters.
-  const std::string exact(100, 'x');
-  EXPECT_EQ(DE::FormatDateTime(exact.c_str(), t), "");
+  EXPECT_EQ(DE::FormatDateTime(std::string(100, 'x').c_str(), t), "");
   EXPECT_EQ(DE::FormatDateTime(std::wstring(100, L'x').c_str(), t), std::wstring(100, L'x'));
-  std::string years;
-  std::wstring wideYears;
-  for (int i = 0; i < 30; ++i) {
-    years += "%Y";
-    wideYears += L"%Y";
-  }
-  EXPECT_EQ(DE::FormatDateTime(years.c_str(), t), "");
-  std::wstring expected;
-  for (int i = 0; i < 25; ++i) expected += L"2022";
-  EXPECT_EQ(DE::FormatDateTime(wideYears.c_str(), t), expected);
-  const std::wstring longText = std::wstring(60, L'a') + std::wstring(60, L'b');
-  EXPECT_EQ(DE::FormatDateTime(longText.c_str(), t), longText.substr(0, 100));
   // The run-time formats wide text through a scratch area four times the buffer.
   EXPECT_EQ(DE::FormatDateTime(std::wstring(399, L'y').c_str(), t), std::wstring(100, L'y'));
   EXPECT_EQ(DE::FormatDateTime(std::wstring(400, L'y').c_str(), t), L"");
@@ -244,20 +163,16 @@ TEST(FormatDateTime, HundredCharacterBuffer) {
 
 TEST(FormatDateTime, BufferFormCopiesOrLogs) {
   EXPECT_EQ(DE::FormatDateTime(nullptr, 10, "%Y", 1656676800), nullptr);
-
   char buf[8];
   std::memset(buf, 'z', sizeof buf);
-  {
-    test::LogCapture log;
-    EXPECT_EQ(DE::FormatDateTime(buf, 5, "%Y", 1656676800), buf);
-    EXPECT_STREQ(buf, "2022");
-    EXPECT_EQ(DE::FormatDateTime(buf, 1, "%Y", -1), buf);
-    EXPECT_STREQ(buf, "");
-    EXPECT_TRUE(log.Messages().empty());
-  }
+  test::LogCapture log;
+  EXPECT_EQ(DE::FormatDateTime(buf, 5, "%Y", 1656676800), buf);
+  EXPECT_STREQ(buf, "2022");
+  EXPECT_EQ(DE::FormatDateTime(buf, 1, "%Y", -1), buf);
+  EXPECT_STREQ(buf, "");
+  EXPECT_TRUE(log.Messages().empty());
 
   std::memset(buf, 'z', sizeof buf);
-  test::LogCapture log;
   EXPECT_EQ(DE::FormatDateTime(buf, 4, "%Y", 1656676800), buf);
   EXPECT_EQ(buf[0], '\0');
   buf[0] = 'z';
@@ -272,118 +187,70 @@ TEST(FormatDateTime, BufferFormCopiesOrLogs) {
   }
 }
 
+tm Record(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
+  tm record{};
+  record.tm_year = year;
+  record.tm_mon = month;
+  record.tm_mday = day;
+  record.tm_hour = hour;
+  record.tm_min = minute;
+  record.tm_sec = second;
+  return record;
+}
+
 // Local-time expectations, computed with Python's zoneinfo. EncodeDateTime reads its fields as
 // standard time, so summer dates come out one hour later than the wall clock (2022-07-01 12:00
 // in EST5EDT: 1656694800, where the daylight-saving reading would be 1656691200).
-struct FormatCase {
-  long long t;
-  const char* text;
-};
-struct EncodeCase {
-  int year, month, day, hour, minute, second;
-  long long expected;
-};
-struct ZoneCases {
+const long long kFormatTimes[] = {0, 2147483647, 32535215999LL};
+const tm kEncodeRecords[] = {Record(2022, 1, 1),  Record(2022, 7, 1, 12), Record(1970, 1, 1),
+                             Record(2022, 13, 1), Record(2024, 3, 0),     Record(2022, 3, 13, 2, 30)};
+const struct ZoneCases {
   const char* tz;
-  std::vector<FormatCase> format;
-  const char* letters;  // at 1656676800 (2022-07-01 12:00:00 UTC)
-  std::vector<EncodeCase> encode;
-};
-
-const ZoneCases kZones[] = {
+  const char* format[3];  // kFormatTimes as "%Y-%m-%d %H:%M:%S"
+  const char* letters;    // at 1656676800 (2022-07-01 12:00:00 UTC)
+  long long encode[6];    // kEncodeRecords
+} kZones[] = {
     {"EST5EDT",
-     {{0, "1969-12-31 19:00:00"},
-      {951827696, "2000-02-29 07:34:56"},
-      {1656676800, "2022-07-01 08:00:00"},
-      {2147483647, "2038-01-18 22:14:07"},
-      {32535215999LL, "3000-12-31 18:59:59"}},
+     {"1969-12-31 19:00:00", "2038-01-18 22:14:07", "3000-12-31 18:59:59"},
      "Fri Friday Jul July 01 08 08 182 07 00 AM 00 26 5 26 07/01/22 08:00:00 22 2022 %",
-     {{2022, 1, 1, 0, 0, 0, 1641013200},
-      {2022, 7, 1, 12, 0, 0, 1656694800},
-      {1970, 1, 1, 0, 0, 0, 18000},
-      {2022, 13, 1, 0, 0, 0, 1672549200},
-      {2024, 3, 0, 0, 0, 0, 1709182800},
-      {2022, 11, 6, 1, 30, 0, 1667716200},
-      {2022, 3, 13, 2, 30, 0, 1647156600}}},
+     {1641013200, 1656694800, 18000, 1672549200, 1709182800, 1647156600}},
     {"UTC",
-     {{0, "1970-01-01 00:00:00"},
-      {951827696, "2000-02-29 12:34:56"},
-      {1656676800, "2022-07-01 12:00:00"},
-      {2147483647, "2038-01-19 03:14:07"},
-      {32535215999LL, "3000-12-31 23:59:59"}},
+     {"1970-01-01 00:00:00", "2038-01-19 03:14:07", "3000-12-31 23:59:59"},
      "Fri Friday Jul July 01 12 12 182 07 00 PM 00 26 5 26 07/01/22 12:00:00 22 2022 %",
-     {{2022, 1, 1, 0, 0, 0, 1640995200},
-      {2022, 7, 1, 12, 0, 0, 1656676800},
-      {1970, 1, 1, 0, 0, 0, 0},
-      {2022, 13, 1, 0, 0, 0, 1672531200},
-      {2024, 3, 0, 0, 0, 0, 1709164800},
-      {2022, 11, 6, 1, 30, 0, 1667698200},
-      {2022, 3, 13, 2, 30, 0, 1647138600}}},
+     {1640995200, 1656676800, 0, 1672531200, 1709164800, 1647138600}},
 };
-
-const ZoneCases* CurrentZone() {
-  const char* tz = std::getenv("TZ");
-  if (tz == nullptr) return nullptr;
-  for (const ZoneCases& zone : kZones) {
-    if (std::strcmp(zone.tz, tz) == 0) return &zone;
-  }
-  return nullptr;
-}
 
 std::wstring Widen(const std::string& ascii) { return std::wstring(ascii.begin(), ascii.end()); }
 
-TEST(LocalTime, FormatDateTimeMatchesPython) {
-  const ZoneCases* zone = CurrentZone();
+TEST(LocalTime, FormatAndEncodeMatchPython) {
+  const char* tz = std::getenv("TZ");
+  const ZoneCases* zone = nullptr;
+  for (const ZoneCases& z : kZones) {
+    if (tz != nullptr && std::strcmp(z.tz, tz) == 0) zone = &z;
+  }
   if (zone == nullptr) GTEST_SKIP() << "needs TZ=EST5EDT or TZ=UTC (see tests.cmake)";
-  for (const FormatCase& row : zone->format) {
-    EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d %H:%M:%S", row.t), row.text) << row.t;
-    EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d %H:%M:%S", row.t), Widen(row.text)) << row.t;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d %H:%M:%S", kFormatTimes[i]), zone->format[i]);
+    EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d %H:%M:%S", kFormatTimes[i]), Widen(zone->format[i]));
   }
   const char* letters = "%a %A %b %B %d %H %I %j %m %M %p %S %U %w %W %x %X %y %Y %%";
   EXPECT_EQ(DE::FormatDateTime(letters, 1656676800), zone->letters);
   EXPECT_EQ(DE::FormatDateTime(Widen(letters).c_str(), 1656676800), Widen(zone->letters));
-}
 
-TEST(LocalTime, EncodeDateTimeReadsStandardTime) {
-  const ZoneCases* zone = CurrentZone();
-  if (zone == nullptr) GTEST_SKIP() << "needs TZ=EST5EDT or TZ=UTC (see tests.cmake)";
-  for (const EncodeCase& row : zone->encode) {
-    tm record{};
-    record.tm_year = row.year;
-    record.tm_mon = row.month;
-    record.tm_mday = row.day;
-    record.tm_hour = row.hour;
-    record.tm_min = row.minute;
-    record.tm_sec = row.second;
+  for (int i = 0; i < 6; ++i) {
+    tm record = kEncodeRecords[i];
     record.tm_isdst = 1;  // ignored
     record.tm_wday = 3;   // ignored
     const tm before = record;
-    EXPECT_EQ(DE::EncodeDateTime(record), row.expected) << row.year << "-" << row.month << "-" << row.day;
+    EXPECT_EQ(DE::EncodeDateTime(record), zone->encode[i]) << i;
     EXPECT_EQ(std::memcmp(&before, &record, sizeof record), 0);
   }
-
   // A winter time reads back through FormatDateTime unchanged.
-  tm winter{};
-  winter.tm_year = 2022;
-  winter.tm_mon = 1;
-  winter.tm_mday = 15;
-  winter.tm_hour = 10;
-  winter.tm_min = 20;
-  winter.tm_sec = 30;
-  EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d %H:%M:%S", DE::EncodeDateTime(winter)), "2022-01-15 10:20:30");
-
+  EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d %H:%M:%S", DE::EncodeDateTime(Record(2022, 1, 15, 10, 20, 30))),
+            "2022-01-15 10:20:30");
   // Local dates before 1970 or after 3000 cannot be represented.
-  tm early{};
-  early.tm_year = 1969;
-  early.tm_mon = 12;
-  early.tm_mday = 31;
-  early.tm_hour = 23;
-  EXPECT_EQ(DE::EncodeDateTime(early), -1);
-  tm late{};
-  late.tm_year = 3001;
-  late.tm_mon = 1;
-  late.tm_mday = 1;
-  EXPECT_EQ(DE::EncodeDateTime(late), -1);
+  EXPECT_EQ(DE::EncodeDateTime(Record(1969, 12, 31, 23)), -1);
+  EXPECT_EQ(DE::EncodeDateTime(Record(3001, 1, 1)), -1);
 }
 
 TEST(LocalTime, MillisecondStampFollowsNow) {
@@ -392,19 +259,15 @@ TEST(LocalTime, MillisecondStampFollowsNow) {
           .count();
   EXPECT_LE(std::llabs(DE::Now() - system), 2);
 
-  for (int attempt = 0; attempt < 3; ++attempt) {
-    const std::string before = DE::FormatDateTime("%Y%m%d%H%M%S", DE::Now());
-    const std::string stamp = DE::GetCurrentTimeWithMilliseconds();
-    const std::string after = DE::FormatDateTime("%Y%m%d%H%M%S", DE::Now());
-    ASSERT_EQ(stamp.size(), 17u) << stamp;
-    EXPECT_EQ(stamp.find_first_not_of("0123456789"), std::string::npos) << stamp;
-    // The local clock can step back an hour when daylight saving time ends; then try again.
-    if (before > after) continue;
+  const std::string before = DE::FormatDateTime("%Y%m%d%H%M%S", DE::Now());
+  const std::string stamp = DE::GetCurrentTimeWithMilliseconds();
+  const std::string after = DE::FormatDateTime("%Y%m%d%H%M%S", DE::Now());
+  ASSERT_EQ(stamp.size(), 17u) << stamp;
+  EXPECT_EQ(stamp.find_first_not_of("0123456789"), std::string::npos) << stamp;
+  if (before <= after) {  // else the local clock stepped back as daylight saving time ended
     EXPECT_LE(before, stamp.substr(0, 14));
     EXPECT_GE(after, stamp.substr(0, 14));
-    return;
   }
-  FAIL() << "the local clock kept moving backwards";
 }
 
 }  // namespace
