@@ -1,21 +1,9 @@
-// Runs this test binary again as a second process, for tests that need another process (file
-// sharing, named locks, launching).
-//
-// A child routine is registered by name with TEST_CHILD_MAIN; the parent starts it with
-// ChildProcess::Start or RunSelf, passing the routine's name first and its arguments after:
+// Runs this test binary again as a second process: "<self> --util-child=<name> <args...>" runs
+// the routine registered under <name> as GoogleTest starts, before any test, and exits with its
+// result (125: no such routine; on Linux 128 + N after signal N). Arguments are UTF-8.
 //
 //   TEST_CHILD_MAIN(open_shared) { return TryOpen(args.at(0), args.at(1)); }
-//   ...
 //   EXPECT_EQ(0, test::RunSelf({"open_shared", path, "0x40"}, 30000));
-//
-// The child is started as "<self> --util-child=<name> <args...>" and runs the routine when
-// GoogleTest starts the program (before any test, whatever the filter), then exits with the
-// routine's result; no test of the child binary runs. Arguments are UTF-8 text; avoid arguments
-// GoogleTest takes for its own ("--gtest_*", "--help", "-h", "-?").
-//
-// On Linux the self path is /proc/self/exe and the child is started with fork/exec; on Windows
-// GetModuleFileNameW and CreateProcessW (no handle inheritance). A child killed by a signal on
-// Linux reports 128 + the signal number.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +12,6 @@
 
 namespace test {
 
-// The routine a child process runs: receives the arguments after its name, returns the exit code.
 using ChildMain = int (*)(const std::vector<std::string>& args);
 
 // Registers a routine under a name (done by TEST_CHILD_MAIN at load time). Returns true.
@@ -32,33 +19,27 @@ bool RegisterChildMain(const char* name, ChildMain routine);
 
 class ChildProcess {
  public:
-  // Wait() result while the child still runs after the timeout.
-  static constexpr int kStillRunning = -1;
-  // Wait() result when no child was started or the wait itself failed.
-  static constexpr int kNoChild = -2;
+  static constexpr int kStillRunning = -1;  // Wait(): the timeout passed first
+  static constexpr int kNoChild = -2;       // Wait(): none started, or the wait failed
 
   ChildProcess() = default;
-  ~ChildProcess();  // kills and reaps a child that is still running
+  ~ChildProcess() { Kill(); }
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  // Starts "<self> --util-child=<args[0]> <args[1..]>". False when args is empty, a child is
-  // already running, or the process cannot be created.
+  // Starts routine args[0] with args[1..]. False when args is empty, a child runs, or it fails.
   bool Start(const std::vector<std::string>& args);
-  // Waits up to timeoutMs (negative: no limit) and returns the exit code, or kStillRunning (the
-  // child is left running; Wait again or Kill) or kNoChild.
+  // The exit code within timeoutMs (negative: no limit), else kStillRunning or kNoChild.
   int Wait(int timeoutMs);
-  // Ends a running child at once and reaps it; nothing when none runs.
+  // Ends a running child at once and reaps it.
   void Kill();
-  bool Running() const;
+  bool Running() const { return process_ != 0; }
 
  private:
-  // Linux: the process id; Windows: the process handle. 0 when none.
-  std::intptr_t process_ = 0;
+  std::intptr_t process_ = 0;  // Linux: the pid; Windows: the process handle
 };
 
-// Starts a child, waits up to timeoutMs and returns its exit code; a child still running at the
-// timeout is killed and kStillRunning returned; kNoChild when it could not be started.
+// Start, then Wait(timeoutMs); a child still running then is killed (kStillRunning returned).
 int RunSelf(const std::vector<std::string>& args, int timeoutMs);
 
 }  // namespace test

@@ -8,17 +8,10 @@ namespace test {
 
 TempDir::TempDir() {
   std::random_device random;
-  const auto base = std::filesystem::temp_directory_path();
-  for (int attempt = 0; attempt < 100; ++attempt) {
-    std::ostringstream name;
-    name << "util-test-" << std::hex << random() << random();
-    std::error_code error;
-    if (std::filesystem::create_directory(base / name.str(), error)) {
-      path_ = base / name.str();
-      return;
-    }
-  }
-  throw std::runtime_error("cannot create a temporary folder");
+  std::ostringstream name;
+  name << "util-test-" << std::hex << random() << random();
+  path_ = std::filesystem::temp_directory_path() / name.str();
+  if (!std::filesystem::create_directory(path_)) throw std::runtime_error("cannot create a temporary folder");
 }
 
 TempDir::~TempDir() {
