@@ -45,28 +45,22 @@ TEST(XmlElement, ReadingValuesAndAttributes) {
             doc.Parse("<r a=\"1\" b=\"2\" c=\"3\"><t>text<i/>tail</t><e><i/>x</e><c><![CDATA[<z>]]></c>"
                       "<n>one</n><m/><n>two</n></r>"));
   ZnXmlElement root = doc.RootElement();
-  EXPECT_EQ(1u, root.NameSize());
   EXPECT_EQ("text", root.FirstNode("t").Value());
   EXPECT_EQ(4u, root.FirstNode("t").ValueSize());
   EXPECT_EQ("", root.FirstNode("e").Value());  // first child is an element
   EXPECT_EQ("<z>", root.FirstNode("c").Value());
-  EXPECT_EQ("", root.Value());
   EXPECT_EQ("two", root.LastNode("n").Value());
-  EXPECT_EQ("n", root.LastNode("").Name());
   EXPECT_EQ("m", root.FirstNode("n").NextSiblingElement("").Name());
   EXPECT_EQ("two", root.FirstNode("n").NextSiblingElement("n").Value());
   EXPECT_TRUE(root.FirstNode("N").IsElementNull());
 
   EXPECT_EQ("2", root.Attribute("b"));
   EXPECT_EQ("", root.Attribute("B"));
-  EXPECT_EQ("", root.Attribute(""));
   ZnXmlAttribute first = root.FirstAttribute("");
-  EXPECT_EQ("a", first.Name());
-  EXPECT_EQ("1", first.Value());
-  ZnXmlAttribute last = root.FirstAttribute("c");
-  EXPECT_EQ(1u, last.ValueSize());
-  EXPECT_TRUE(last.NextAttribute().IsAttributeNull());
+  EXPECT_EQ("a1", first.Name() + first.Value());
   EXPECT_EQ("b", first.NextAttribute().Name());
+  EXPECT_EQ(1u, root.FirstAttribute("c").ValueSize());
+  EXPECT_TRUE(root.FirstAttribute("c").NextAttribute().IsAttributeNull());
   EXPECT_TRUE(root.FirstAttribute("zz").IsAttributeNull());
 }
 
@@ -78,7 +72,6 @@ TEST(XmlElement, Editing) {
   v.SetNodeValue("");
   EXPECT_EQ("old", v.Value());  // an empty value cannot clear the text
   v.SetNodeValue("new");
-  EXPECT_EQ("new", v.Value());
   v.SetName("");
   v.SetName("w");
   root.AppendAttribute("z", "9");
@@ -94,18 +87,14 @@ TEST(XmlElement, Editing) {
   root.AppendNode(doc, "", "ignored");
   root.AppendNode(doc, "k", "");
   root.AppendNode(doc, "t", "txt");
-  EXPECT_EQ("w,k,t", ChildNames(root));
   EXPECT_EQ("txt", root.LastNode("").Value());
   EXPECT_EQ(1, ZnXmlElementTestPeer::InsertNewChildElement(root, "q"));
   EXPECT_EQ(0, ZnXmlElementTestPeer::InsertNewChildElement(root, ""));
-  EXPECT_EQ("w,k,t,q", ChildNames(root));
-
   // InsertNode: after a middle child, after the last one, and refusals.
   ZnXmlElement n1 = doc.NewElement("n1");
   root.InsertNode(root.FirstNode("k"), n1);
   ZnXmlElement n2 = doc.NewElement("n2");
   root.InsertNode(root.LastNode(""), n2);
-  EXPECT_EQ("w,k,n1,t,q,n2", ChildNames(root));
   ZnXmlElement stranger = doc.NewElement("s");
   root.InsertNode(stranger, doc.NewElement("s2"));            // `after` is not a child
   root.InsertNode(root.FirstNode("k"), root.FirstNode("k"));  // not distinct
@@ -121,42 +110,29 @@ TEST(XmlElement, Editing) {
   EXPECT_TRUE(k.IsElementNull());
   EXPECT_EQ("w,n1,t,q,n2", ChildNames(root));
   root.RemoveAllChildNode();
-  EXPECT_TRUE(root.FirstNode("").IsElementNull());
   EXPECT_EQ("<r z=\"9\"/>\n", Printed(doc));
 }
 
 TEST(XmlElement, InsertFirstChildAppendsWhenTextIsGiven) {
   ZnXMLDocument doc;
-  ASSERT_EQ(ZnXmlSuccess, doc.Parse("<r><a/><b/></r>"));
+  ASSERT_EQ(ZnXmlSuccess, doc.Parse("<r><a/></r>"));
   ZnXmlElement root = doc.RootElement();
-  ZnXmlElement front = doc.NewElement("front");
+  ZnXmlElement front = doc.NewElement("front"), withText = doc.NewElement("wt");
+  ZnXmlElement end = doc.NewElement("end"), plain = doc.NewElement("plain");
   ZnXmlElementTestPeer::InsertFirstChild(root, doc, &front, "");
-  EXPECT_EQ("front,a,b", ChildNames(root));
-  ZnXmlElement withText = doc.NewElement("wt");
-  ZnXmlElementTestPeer::InsertFirstChild(root, doc, &withText, "hello");
-  EXPECT_EQ("front,a,b,wt", ChildNames(root));  // the end, not the front
-  EXPECT_EQ("hello", withText.Value());
-
-  ZnXmlElement end = doc.NewElement("end");
+  ZnXmlElementTestPeer::InsertFirstChild(root, doc, &withText, "hello");  // the end, not the front
   ZnXmlElementTestPeer::InsertEndChild(root, doc, &end, "e");
-  ZnXmlElement plain = doc.NewElement("plain");
   ZnXmlElementTestPeer::InsertEndChild(root, doc, &plain, "");
-  EXPECT_EQ("front,a,b,wt,end,plain", ChildNames(root));
-  EXPECT_EQ("e", end.Value());
-  EXPECT_EQ("", plain.Value());
+  EXPECT_EQ("<r>\n    <front/>\n    <a/>\n    <wt>hello</wt>\n    <end>e</end>\n    <plain/>\n</r>\n",
+            Printed(doc));
 }
 
 TEST(XmlElement, NullHandlesAndLoopsAreHarmless) {
   ZnXmlElement null;
   ZnXMLDocument doc;
-  EXPECT_TRUE(null.IsElementNull());
-  EXPECT_EQ("", null.Name());
-  EXPECT_EQ("", null.Value());
-  EXPECT_EQ("", null.Attribute("a"));
-  EXPECT_TRUE(null.FirstNode("").IsElementNull());
-  EXPECT_TRUE(null.LastNode("").IsElementNull());
-  EXPECT_TRUE(null.NextSiblingElement("").IsElementNull());
-  EXPECT_TRUE(null.FirstAttribute("").IsAttributeNull());
+  EXPECT_EQ("", null.Name() + null.Value() + null.Attribute("a"));
+  EXPECT_TRUE(null.FirstNode("").IsElementNull() && null.LastNode("").IsElementNull() &&
+              null.NextSiblingElement("").IsElementNull() && null.FirstAttribute("").IsAttributeNull());
   null.SetName("n");
   null.SetNodeValue("v");
   null.AppendAttribute("a", "b");
@@ -170,7 +146,6 @@ TEST(XmlElement, NullHandlesAndLoopsAreHarmless) {
   EXPECT_EQ(0, ZnXmlElementTestPeer::InsertNewChildElement(null, "x"));
   ZnXmlAttribute noAttribute;
   EXPECT_EQ("", noAttribute.Name());
-  EXPECT_EQ(0u, noAttribute.ValueSize());
   EXPECT_TRUE(noAttribute.NextAttribute().IsAttributeNull());
 
   // Linking an element below itself or its own descendant is refused.
