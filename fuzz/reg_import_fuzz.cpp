@@ -1,15 +1,14 @@
-// libFuzzer target for the registry's outside input: .reg text and hive files.
-//
-// First byte even: the bytes are a .reg file. Parsing must end without reading out of bounds,
-// and what parses must format to text that parses again to the same keys and values.
-// First byte odd: the bytes are a hive file of the Linux store. Opening must end in a Win32 code
-// or a hive whose keys and values can all be walked.
+// libFuzzer target for the registry's outside input. First byte even: a .reg file, which must parse
+// without reading out of bounds and, when it parses, format to text that parses to the same keys.
+// First byte odd: a hive file of the Linux store, which must open to a Win32 code or a walkable hive.
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,24 +24,17 @@ void Check(bool condition) {
   if (!condition) std::abort();
 }
 
-bool SameKeys(const std::vector<detail::RegFileKey>& a, const std::vector<detail::RegFileKey>& b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (a[i].path != b[i].path || a[i].remove != b[i].remove || a[i].values.size() != b[i].values.size())
-      return false;
-    for (size_t j = 0; j < a[i].values.size(); ++j) {
-      const auto& x = a[i].values[j];
-      const auto& y = b[i].values[j];
-      if (x.name != y.name || x.remove != y.remove || (!x.remove && (x.type != y.type || x.data != y.data))) {
-        return false;
-      }
-    }
-  }
-  return true;
+bool SameValue(const detail::RegFileValue& x, const detail::RegFileValue& y) {
+  return x.name == y.name && x.remove == y.remove && (x.remove || (x.type == y.type && x.data == y.data));
+}
+
+bool SameKey(const detail::RegFileKey& x, const detail::RegFileKey& y) {
+  return x.path == y.path && x.remove == y.remove &&
+         std::equal(x.values.begin(), x.values.end(), y.values.begin(), y.values.end(), SameValue);
 }
 
 void FuzzRegText(const std::string& bytes) {
-  std::vector<detail::RegFileKey> keys;
+  std::vector<detail::RegFileKey> keys, again;
   std::string error;
   if (!detail::ParseRegFile(detail::DecodeRegFileBytes(bytes), keys, error)) return;
   // Names holding characters the text form cannot carry (line breaks, "]") are not round-trip safe.
@@ -52,39 +44,30 @@ void FuzzRegText(const std::string& bytes) {
       if (value.name.find_first_of(std::wstring(L"\r\n\0", 3)) != std::wstring::npos) return;
     }
   }
-  std::vector<detail::RegFileKey> again;
   Check(detail::ParseRegFile(detail::FormatRegFile(keys), again, error));
-  Check(SameKeys(keys, again));
+  Check(std::equal(keys.begin(), keys.end(), again.begin(), again.end(), SameKey));
 }
 
 void Walk(linux_impl::Hive& hive, linux_impl::KeyId id, int depth) {
-  if (depth > 16) return;
   linux_impl::HiveKeyInfo info;
-  if (hive.QueryInfo(id, info) != 0) return;
+  if (depth > 16 || hive.QueryInfo(id, info) != 0) return;
   for (DWORD i = 0; i < info.values && i < 64; ++i) {
     std::u16string name;
-    if (hive.EnumValue(id, i, name) != 0) continue;
     DWORD type = 0;
     std::string data;
-    hive.QueryValue(id, name, type, data);
+    if (hive.EnumValue(id, i, name) == 0) hive.QueryValue(id, name, type, data);
   }
   for (DWORD i = 0; i < info.subKeys && i < 64; ++i) {
     std::u16string name;
-    if (hive.EnumKey(id, i, name) != 0) continue;
     linux_impl::KeyId child = 0;
-    if (hive.Find(id, {name}, child) == 0) Walk(hive, child, depth + 1);
+    if (hive.EnumKey(id, i, name) == 0 && hive.Find(id, {name}, child) == 0) Walk(hive, child, depth + 1);
   }
 }
 
 void FuzzHiveFile(const std::string& bytes) {
   static const std::string file = "/tmp/reg_import_fuzz_" + std::to_string(::getpid()) + ".hive";
-  ::unlink(file.c_str());
-  ::unlink((file + "-wal").c_str());
-  ::unlink((file + "-shm").c_str());
-  {
-    std::ofstream out(file, std::ios::binary);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  }
+  for (const char* suffix : {"", "-wal", "-shm"}) ::unlink((file + suffix).c_str());
+  std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   std::shared_ptr<linux_impl::Hive> hive;
   if (linux_impl::Hive::Open(file, false, false, true, 0, hive) == 0)
     Walk(*hive, linux_impl::kHiveRootKey, 0);

@@ -1,8 +1,7 @@
 // libFuzzer target for the text parsers: Base64, hex, the Fetch family, Split, Replace, every
-// StringTo*Def (narrow, and wide through the UTF-8 decoder) and the UTF-8 conversions.
-//
-// The first bytes of the input choose the separators, quote and replacement arguments; the rest
-// is the text. Each parser must end, never read out of bounds, and keep its own invariants.
+// StringTo*Def (narrow, and wide through the UTF-8 decoder) and the UTF-8 conversions. The first bytes
+// choose the separator, quote and replacement; the rest is the text. Each parser must end, stay in
+// bounds and keep its own invariants.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -29,53 +28,43 @@ std::string Take(const std::uint8_t*& data, std::size_t& size, std::size_t n) {
 void FuzzCodecs(const std::string& text) {
   const std::string decoded = DE::Base64Decode(text);
   std::string copy = decoded;
-  const std::string encoded =
-      DE::Base64Encode(reinterpret_cast<unsigned char*>(&copy[0]), static_cast<unsigned int>(copy.size()));
-  Check(DE::Base64Decode(encoded) == decoded);
+  Check(DE::Base64Decode(DE::Base64Encode(reinterpret_cast<unsigned char*>(&copy[0]),
+                                          static_cast<unsigned int>(copy.size()))) == decoded);
 
   std::vector<char> buf(text.size() / 2 + 1);
   const int n = DE::HexStringToBytes(text, buf.data(), static_cast<int>(buf.size()));
   std::string bytes = "untouched";
-  const int m = DE::HexStringToBytesString(text, bytes);
-  Check(n == m);
-  if (n > 0) {
-    Check(static_cast<std::size_t>(n) == text.size() / 2);
-    Check(DE::BytesToHexString(bytes) == DE::UpperCase(text));
-  } else {
-    Check(bytes == "untouched");
-  }
+  Check(n == DE::HexStringToBytesString(text, bytes));
+  Check(n > 0 ? static_cast<std::size_t>(n) == text.size() / 2 &&
+                    DE::BytesToHexString(bytes) == DE::UpperCase(text)
+              : bytes == "untouched");
 }
 
-// Every loop must consume the source; a call that leaves it unchanged ends the walk.
+// Fetches fields off `src` until it is empty; a fetch that leaves the source unchanged ends the walk,
+// or is a fault when `mustProgress`. A field is never longer than the source it came from.
 template <typename Fetcher>
-void WalkFields(std::string src, Fetcher fetch) {
+void WalkFields(std::string src, bool mustProgress, Fetcher fetch) {
   while (!src.empty()) {
     const std::size_t before = src.size();
-    fetch(src);
-    if (src.size() >= before) break;
+    Check(fetch(src).size() <= before);
+    if (src.size() >= before) return Check(!mustProgress);
   }
 }
 
 void FuzzCutting(const std::string& sep, const std::string& quote, const std::string& text) {
-  WalkFields(text, [&](std::string& s) {
-    const std::size_t before = s.size();
-    const std::string field = DE::FetchEx(s, sep, quote);
-    if (!sep.empty()) Check(s.size() < before && field.size() <= before);
-  });
-  WalkFields(text, [&](std::string& s) { DE::Fetch(s, sep); });
-  WalkFields(text, [&](std::string& s) {
-    const std::size_t before = s.size();
+  WalkFields(text, !sep.empty(), [&](std::string& s) { return DE::FetchEx(s, sep, quote); });
+  WalkFields(text, false, [&](std::string& s) { return DE::Fetch(s, sep); });
+  WalkFields(text, true, [&](std::string& s) {
     const std::string line = DE::FetchLine(s);
-    Check(s.size() < before && line.find_first_of("\r\n") == std::string::npos);
+    Check(line.find_first_of("\r\n") == std::string::npos);
+    return line;
   });
 
   std::vector<std::string> fields;
   DE::Split(text, sep, fields);
   Check(!fields.empty());
-  for (const std::string& field : fields) {
-    Check(sep.empty() || field.find_first_of(sep) == std::string::npos);
-  }
   if (sep.empty()) Check(fields.size() == 1 && fields[0] == text);
+  for (const std::string& field : fields) Check(sep.empty() || field.find_first_of(sep) == std::string::npos);
 }
 
 void FuzzReplace(const std::string& from, const std::string& to, int count, const std::string& text) {
@@ -107,8 +96,7 @@ void FuzzUtf8(const std::string& text) {
   Check(DE::UnicodeToUTF8(DE::UTF8ToUnicode(utf8)) == utf8);
 
   const std::wstring whole = DE::StringProc::StringToWStringByUTF8(text);
-  const std::string wholeUtf8 = DE::StringProc::WStringToStringByUTF8(whole);
-  Check(DE::StringProc::StringToWStringByUTF8(wholeUtf8) == whole);
+  Check(DE::StringProc::StringToWStringByUTF8(DE::StringProc::WStringToStringByUTF8(whole)) == whole);
   FuzzNumbers(whole);
 }
 

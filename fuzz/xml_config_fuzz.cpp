@@ -1,13 +1,12 @@
-// libFuzzer target for the XML wrapper's load path and the configuration readers: the input is
-// an XML file that ZnXMLDocument loads and walks, and that CommonCfgMgr, ProductFeature and the
-// URL table read. Nothing may crash, hang or leak; a document that loads must print, with the printer's NUL.
+// libFuzzer target for the XML wrapper's load path and the configuration readers: the input is an XML
+// file that ZnXMLDocument loads and walks and that CommonCfgMgr, ProductFeature and the URL table read.
+// Nothing may crash, hang or leak; a document that loads must print, ending in the printer's NUL.
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <fstream>
 #include <string>
 
 #include "CommonCfgMgr.h"
@@ -25,19 +24,18 @@ struct CommonCfgMgrInspector {
 
 struct ProductFeatureInspector {
   static int Run(const std::string& path) {
-    std::unique_ptr<ProductAdapt::ProductFeature> features(new ProductAdapt::ProductFeature());
-    const int status = features->LoadConfigFile(path);
+    ProductAdapt::ProductFeature features;
+    features.status = features.LoadConfigFile(path);
     bool out = false;
-    features->status = status;
-    features->GetSupportIntegratedGraphics(out);
-    return status;
+    features.GetSupportIntegratedGraphics(out);
+    return features.status;
   }
 };
 
 struct UrlsManagerInspector {
   static std::string Run(const std::string& path) {
-    std::unique_ptr<qda::util::UrlsManager> urls(new qda::util::UrlsManager(path, path));
-    return urls->GetUrl("util") + urls->GetUrl("oobe_agreement_terms", "over_sea");
+    qda::util::UrlsManager urls(path, path);
+    return urls.GetUrl("util") + urls.GetUrl("oobe_agreement_terms", "over_sea");
   }
 };
 
@@ -47,33 +45,23 @@ void Check(bool condition) {
   if (!condition) std::abort();
 }
 
-// Visits every element below `element` (bounded by tinyxml2's own depth limit).
+// Visits every element and attribute below `element` (bounded by tinyxml2's own depth limit).
 std::size_t Walk(const ZnXmlElement& element) {
   std::size_t seen = element.NameSize() + element.ValueSize();
   for (ZnXmlAttribute a = element.FirstAttribute(""); !a.IsAttributeNull(); a = a.NextAttribute()) {
     seen += a.NameSize() + a.ValueSize();
   }
-  for (ZnXmlElement child = element.FirstNode(""); !child.IsElementNull();
-       child = child.NextSiblingElement("")) {
-    seen += Walk(child);
-  }
+  for (ZnXmlElement e = element.FirstNode(""); !e.IsElementNull(); e = e.NextSiblingElement(""))
+    seen += Walk(e);
   return seen;
-}
-
-const std::string& InputPath() {
-  static const std::string path = "/tmp/xml_config_fuzz." + std::to_string(getpid()) + ".xml";
-  return path;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string& path = InputPath();
-  std::FILE* file = std::fopen(path.c_str(), "wb");
-  if (file == nullptr) return 0;
-  std::fwrite(data, 1, size, file);
-  std::fclose(file);
-
+  static const std::string path = "/tmp/xml_config_fuzz." + std::to_string(getpid()) + ".xml";
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   ZnXMLDocument doc;
   if (doc.LoadFile(path) == ZnXmlSuccess) {
     Walk(doc.RootElement());

@@ -5,15 +5,11 @@
 
 #include "ZnXml.h"
 
-// Reaches the element's private insertion forms.
+// Reaches the element's private insertion forms: InsertFirstChild (`first`) or InsertEndChild.
 struct ZnXmlElementTestPeer {
-  static void InsertFirstChild(ZnXmlElement& parent, ZnXMLDocument& doc, ZnXmlElement* child,
-                               const std::string& text) {
-    parent.InsertFirstChild(doc, child, text);
-  }
-  static void InsertEndChild(ZnXmlElement& parent, ZnXMLDocument& doc, ZnXmlElement* child,
-                             const std::string& text) {
-    parent.InsertEndChild(doc, child, text);
+  static void Insert(bool first, ZnXmlElement& parent, ZnXMLDocument& doc, ZnXmlElement* child,
+                     const std::string& text) {
+    first ? parent.InsertFirstChild(doc, child, text) : parent.InsertEndChild(doc, child, text);
   }
   static int InsertNewChildElement(ZnXmlElement& parent, const std::string& name) {
     return parent.InsertNewChildElement(name);
@@ -119,10 +115,10 @@ TEST(XmlElement, InsertFirstChildAppendsWhenTextIsGiven) {
   ZnXmlElement root = doc.RootElement();
   ZnXmlElement front = doc.NewElement("front"), withText = doc.NewElement("wt");
   ZnXmlElement end = doc.NewElement("end"), plain = doc.NewElement("plain");
-  ZnXmlElementTestPeer::InsertFirstChild(root, doc, &front, "");
-  ZnXmlElementTestPeer::InsertFirstChild(root, doc, &withText, "hello");  // the end, not the front
-  ZnXmlElementTestPeer::InsertEndChild(root, doc, &end, "e");
-  ZnXmlElementTestPeer::InsertEndChild(root, doc, &plain, "");
+  ZnXmlElementTestPeer::Insert(true, root, doc, &front, "");
+  ZnXmlElementTestPeer::Insert(true, root, doc, &withText, "hello");  // the end, not the front
+  ZnXmlElementTestPeer::Insert(false, root, doc, &end, "e");
+  ZnXmlElementTestPeer::Insert(false, root, doc, &plain, "");
   EXPECT_EQ("<r>\n    <front/>\n    <a/>\n    <wt>hello</wt>\n    <end>e</end>\n    <plain/>\n</r>\n",
             Printed(doc));
 }
@@ -156,8 +152,8 @@ TEST(XmlElement, NullHandlesAndLoopsAreHarmless) {
   b.AppendNode(&root);
   b.AppendNode(&b);
   a.AppendNode(&root);
-  ZnXmlElementTestPeer::InsertFirstChild(b, doc, &a, "");
-  ZnXmlElementTestPeer::InsertEndChild(b, doc, &a, "t");
+  ZnXmlElementTestPeer::Insert(true, b, doc, &a, "");
+  ZnXmlElementTestPeer::Insert(false, b, doc, &a, "t");
   root.AppendNode(&null);
   EXPECT_EQ("<r>\n    <a>\n        <b/>\n    </a>\n</r>\n", Printed(doc));
 }
