@@ -61,7 +61,8 @@ std::intptr_t Spawn(const std::vector<std::string>& words) {
   self.resize(GetModuleFileNameW(nullptr, &self[0], static_cast<DWORD>(self.size())));
   std::wstring line = Quote(self);
   for (const std::string& word : words) line += L" " + Quote(DE::UTF8ToUnicode(word));
-  STARTUPINFOW startup = {sizeof(STARTUPINFOW)};
+  STARTUPINFOW startup = {};
+  startup.cb = sizeof(startup);
   PROCESS_INFORMATION info = {};
   if (!CreateProcessW(self.c_str(), &line[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
     return 0;
