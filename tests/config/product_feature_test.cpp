@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "ProductFeature.h"
@@ -22,32 +23,26 @@ namespace {
 using Peer = ProductFeatureInspector;
 using PF = ProductAdapt::ProductFeature;
 
-// Each element name and its getter, in the order of the flags below.
-const struct {
-  const char* name;
-  int (PF::*get)(bool&) const;
-} kFeatures[] = {{"fingerprint", &PF::GetFingerprintStatus},
-                 {"btgpio", &PF::GetBtGpioStatus},
-                 {"wifigpio", &PF::GetWifiGpioStatus},
-                 {"cpupower", &PF::GetCpuPowerStatus},
-                 {"trifingersnipper", &PF::GetTriFingerSnipperStatus},
-                 {"wifibiosrepair", &PF::GetWifiBiosRepairStatus},
-                 {"energystar", &PF::GetEnergyStarStatus},
-                 {"setepp", &PF::GetEppSettingStatus},
-                 {"sqgdata", &PF::GetSQGDataStatus},
-                 {"timeback", &PF::GetSupportTimeBackStatus},
-                 {"VrAssisant", &PF::GetSupportVrAssisantStatus},
-                 {"npspopwnd", &PF::GetSupportNpsPopStatus},
-                 {"livebroadcastmode", &PF::GetSupportLiveBroadcast},
-                 {"officeActiveStatusCheck", &PF::GetSupportOfficeCheck},
-                 {"integratedGraphics", &PF::GetSupportIntegratedGraphics}};
+// The element names and their getters, in flag order.
+const char kNames[] =
+    "fingerprint btgpio wifigpio cpupower trifingersnipper wifibiosrepair energystar setepp sqgdata timeback "
+    "VrAssisant npspopwnd livebroadcastmode officeActiveStatusCheck integratedGraphics";
+using Getter = int (PF::*)(bool&) const;
+// clang-format off
+const Getter kGetters[] = {
+    &PF::GetFingerprintStatus, &PF::GetBtGpioStatus, &PF::GetWifiGpioStatus, &PF::GetCpuPowerStatus,
+    &PF::GetTriFingerSnipperStatus, &PF::GetWifiBiosRepairStatus, &PF::GetEnergyStarStatus,
+    &PF::GetEppSettingStatus, &PF::GetSQGDataStatus, &PF::GetSupportTimeBackStatus,
+    &PF::GetSupportVrAssisantStatus, &PF::GetSupportNpsPopStatus, &PF::GetSupportLiveBroadcast,
+    &PF::GetSupportOfficeCheck, &PF::GetSupportIntegratedGraphics};
+// clang-format on
 
 // "1" or "0" per feature, and checks every getter returns `status`.
 std::string Flags(const PF& features, int status) {
   std::string flags;
-  for (const auto& feature : kFeatures) {
+  for (auto get : kGetters) {
     bool out = true;
-    EXPECT_EQ(status, (features.*feature.get)(out));
+    EXPECT_EQ(status, (features.*get)(out));
     flags += out ? '1' : '0';
   }
   return flags;
@@ -63,17 +58,12 @@ TEST(ProductFeature, StatusCodesOnBadFiles) {
   auto features = Peer::Fresh();
   const std::string none(15, '0');  // integratedGraphics too
   EXPECT_EQ(-3, Peer::Load(*features, ""));
-  EXPECT_EQ(none, Flags(*features, -3));
   EXPECT_EQ(-4, Peer::Load(*features, dir.File("missing.xml").string()));
   EXPECT_EQ(-4, Peer::Load(*features, dir.Path().string()));
   EXPECT_EQ(none, Flags(*features, -4));
-  std::string deep;
-  for (int i = 0; i < 3000; ++i) deep += "<x>";
-  for (const std::string& bad : {std::string(), std::string("<features><fingerprint><support>;"),
-                                 std::string("\xFF\xFE<\0r\0/\0>\0", 10), deep}) {
-    EXPECT_EQ(-5, LoadText(*features, dir, bad));
-    EXPECT_EQ(none, Flags(*features, -5));
-  }
+  // Damaged: the XML wrapper's own tests cover hostile files.
+  EXPECT_EQ(-5, LoadText(*features, dir, "<features><fingerprint><support>;"));
+  EXPECT_EQ(none, Flags(*features, -5));
   // Only a comment: no root element, nothing decided, still a successful load.
   EXPECT_EQ(0, LoadText(*features, dir, "<!-- nothing -->"));
   EXPECT_EQ("000000000000001", Flags(*features, 0));
@@ -81,30 +71,23 @@ TEST(ProductFeature, StatusCodesOnBadFiles) {
   EXPECT_EQ(0, features->GetPowerSafeMgrStatus(out));
   EXPECT_TRUE(out);
 
-  // The shared instance: no configuration beside the test program, so a missing file.
-  const PF& instance = PF::GetInstance();
-  EXPECT_EQ(&instance, &PF::GetInstance());
-  EXPECT_EQ(-4, instance.GetFingerprintStatus(out));
-  EXPECT_FALSE(out);
-  const_cast<PF&>(instance).Reset();
-  EXPECT_EQ(-4, instance.GetSupportIntegratedGraphics(out));
+  // The shared instance finds no configuration beside the test program, also after a reload.
+  const_cast<PF&>(PF::GetInstance()).Reset();
+  EXPECT_EQ(-4, PF::GetInstance().GetSupportIntegratedGraphics(out));
   EXPECT_FALSE(out);
 }
 
 TEST(ProductFeature, SupportLists) {
   test::TempDir dir;
   auto features = Peer::Fresh();
-  ASSERT_EQ(
-      0,
-      LoadText(*features, dir,
-               "<features><fingerprint><support>a;b;</support></fingerprint>"
-               "<btgpio><support>ab</support></btgpio><wifigpio><unsupport></unsupport></wifigpio>"
-               "<cpupower><unsupport>x;</unsupport></cpupower>"
-               "<trifingersnipper><unsupport>x;</unsupport><support>y;</support></trifingersnipper>"
-               "<wifibiosrepair/><EnergyStar><support>;</support></EnergyStar>"
-               "<setepp><support>\n  DEV;\n</support></setepp><VrAssisant><support>v;</support></VrAssisant>"
-               "<officeActiveStatusCheck><support>o;</support></officeActiveStatusCheck>"
-               "<integratedGraphics><support>none</support></integratedGraphics></features>"));
+  const std::string xml =
+      "<features><fingerprint><support>a;b;</support></fingerprint><btgpio><support>ab</support></btgpio>"
+      "<wifigpio><unsupport></unsupport></wifigpio><cpupower><unsupport>x;</unsupport></cpupower>"
+      "<trifingersnipper><unsupport>x;</unsupport><support>y;</support></trifingersnipper><wifibiosrepair/>"
+      "<EnergyStar><support>;</support></EnergyStar><setepp><support>\n  DEV;\n</support></setepp>"
+      "<VrAssisant><support>v;</support></VrAssisant><officeActiveStatusCheck><support>o;</support>"
+      "</officeActiveStatusCheck><integratedGraphics><support>none</support></integratedGraphics></features>";
+  ASSERT_EQ(0, LoadText(*features, dir, xml));
   // trifingersnipper: support wins; EnergyStar: names are case-sensitive.
   EXPECT_EQ("101010010010010", Flags(*features, 0));
 
@@ -115,8 +98,9 @@ TEST(ProductFeature, SupportLists) {
   ASSERT_EQ(0, LoadText(*features, dir, "<f/>"));
   EXPECT_EQ("000000000000001", Flags(*features, 0));
 
-  for (int i = 0; i < 15; ++i) {  // each element name reaches its own getter
-    const std::string name = kFeatures[i].name;
+  std::istringstream names(kNames);
+  std::string name;
+  for (int i = 0; names >> name; ++i) {  // each element name reaches its own getter
     auto one = Peer::Fresh();
     ASSERT_EQ(0, LoadText(*one, dir, "<f><" + name + "><support>;</support></" + name + "></f>"));
     std::string expected(15, '0');

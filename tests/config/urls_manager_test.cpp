@@ -36,7 +36,6 @@ TEST(UrlsManager, AreasWhichFileWinsAndDamagedFiles) {
   EXPECT_EQ("https://os.example.com/", urls->GetUrl("oobe_agreement_terms", "over_sea"));
   EXPECT_EQ("https://global.example.com/", urls->GetUrl("oobe_agreement_terms"));
   EXPECT_EQ("https://global.example.com/", urls->GetUrl("oobe_agreement_terms", "cn"));  // no such area
-  EXPECT_EQ("https://global.example.com/", urls->GetUrl("oobe_agreement_terms", ""));
   EXPECT_EQ("https://s.example.com/?a=1&b=2", urls->GetUrl("shipped_only"));
   EXPECT_EQ("", urls->GetUrl("empty"));
   EXPECT_EQ("", urls->GetUrl("other"));
@@ -57,23 +56,12 @@ TEST(UrlsManager, AreasWhichFileWinsAndDamagedFiles) {
   EXPECT_EQ("", urls->GetUrl("shipped_only"));
   EXPECT_EQ(&qda::util::UrlsManager::Instance(), &qda::util::UrlsManager::Instance());
 
-  // Damaged files contribute nothing.
-  std::string deep = "<urls><url name=\"deep\">https://d.example.com/</url>";
-  for (int i = 0; i < 5000; ++i) deep += "<x>";
-  for (const std::string& bytes :
-       {std::string(), std::string("<urls><url name=\"util\">https://bad.example.com/</url><url"),
-        std::string("\xFF\xFE<\0u\0/\0>\0", 10), deep}) {
-    ASSERT_TRUE(test::WriteFileBytes(dir.File("cache.xml"), bytes));
-    auto urls = UrlsManagerInspector::Load(dir, "shipped.xml", "cache.xml");
-    EXPECT_EQ("https://www.example.com/", urls->GetUrl("util"));
-    EXPECT_EQ("", urls->GetUrl("deep"));
-  }
+  // A damaged cache contributes nothing (the XML wrapper's own tests cover hostile files).
+  ASSERT_TRUE(test::WriteFileBytes(dir.File("cache.xml"),
+                                   "<urls><url name=\"util\">https://bad.example.com/</url><url"));
+  EXPECT_EQ("https://www.example.com/",
+            UrlsManagerInspector::Load(dir, "shipped.xml", "cache.xml")->GetUrl("util"));
   EXPECT_EQ("", UrlsManagerInspector::Load(dir, ".", ".")->GetUrl("util"));
-
-  // A very long URL survives whole.
-  const std::string longUrl = "https://l.example.com/" + std::string(1 << 20, 'a');
-  ASSERT_TRUE(test::WriteFileBytes(dir.File("long.xml"), "<u><url name=\"l\">" + longUrl + "</url></u>"));
-  EXPECT_EQ(longUrl, UrlsManagerInspector::Load(dir, "long.xml", "")->GetUrl("l"));
 }
 
 }  // namespace
