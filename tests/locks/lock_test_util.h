@@ -1,4 +1,4 @@
-// Helpers of the lock tests: unique mutex names, the clean-up of their Linux objects, the file
+// Helpers of the lock tests: unique mutex names and the clean-up of their Linux objects, file
 // signals between a test and its child processes, and a TryLock from another thread.
 #pragma once
 
@@ -47,17 +47,6 @@ struct ScopedMutexName {
   const std::string utf8;
   const std::wstring wide;
 };
-
-// Waits until `file` exists; false after timeoutMs or when `child` ends first.
-inline bool WaitForFile(const std::filesystem::path& file, int timeoutMs, test::ChildProcess& child) {
-  for (int waited = 0; !std::filesystem::exists(file); waited += 10) {
-    if (waited >= timeoutMs || child.Wait(0) != test::ChildProcess::kStillRunning) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return true;
-}
-
-inline void TouchFile(const std::filesystem::path& file) { std::ofstream(file).put('\n'); }
 
 // TryLock() on another thread, released again when taken: 1 when the lock was free to it.
 inline int OtherThreadTakes(DE::BaseLock& lock) {

