@@ -59,21 +59,19 @@ std::string PatternBytes(std::uint64_t size) {
   return bytes;
 }
 
-// Linux only: the upper-case digest `tool` prints for the file; "" when it cannot be run.
-std::string ToolDigest(const char* tool, const std::filesystem::path& path) {
-#if defined(_WIN32)
-  (void)tool, (void)path;
-  return std::string();
-#else
-  FILE* pipe = popen((std::string(tool) + " '" + path.string() + "'").c_str(), "r");
-  if (pipe == nullptr) return std::string();
-  char buffer[256] = {};
-  const bool read = std::fgets(buffer, sizeof(buffer), pipe) != nullptr;
-  if (pclose(pipe) != 0 || !read) return std::string();
-  std::string digest(buffer, std::strcspn(buffer, " "));
+// The upper-case digest `tool` prints for the file; "" when it cannot be run (always on Windows).
+std::string ToolDigest([[maybe_unused]] const char* tool,
+                       [[maybe_unused]] const std::filesystem::path& path) {
+  std::string digest;
+#if !defined(_WIN32)
+  if (FILE* pipe = popen((std::string(tool) + " '" + path.string() + "'").c_str(), "r")) {
+    char buffer[256] = {};
+    if (std::fgets(buffer, sizeof(buffer), pipe) != nullptr) digest.assign(buffer, std::strcspn(buffer, " "));
+    if (pclose(pipe) != 0) digest.clear();
+  }
   for (char& c : digest) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return digest;
 #endif
+  return digest;
 }
 
 // A stream over a copy of `bytes`, positioned at its start.
@@ -84,22 +82,23 @@ struct BytesStream {
   DE::MemoryrStream stream;
 };
 
-TEST(HashVectors, FipsVectorsThroughEveryBufferAndStringForm) {
+// The FIPS 180-4 vectors, then embedded NULs and high bytes (digests from Python's hashlib).
+TEST(HashVectors, VectorsThroughEveryBufferAndStringForm) {
   const struct {
-    const char *message, *sha1, *sha256;
+    std::string message;
+    const char *sha1, *sha256;
   } vectors[] = {
       {"abc", kAbcSha1, kAbcSha256},
       {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "84983E441C3BD26EBAAE4AA1F95129E5E54670F1",
        "248D6A61D20638B8E5C026930C3E6039A33CE45964FF2167F6ECEDD419DB06C1"},
-      {"abcdefghbcdefghicdefghijdefghijkefghijklfghijklmghijklmnhijklmnoijklmnopjklmnopqklmnopqrlmnopqrsmnopq"
-       "rst"
-       "nopqrstu",
-       "A49B2446A02C645BF419F995B67091253A04A259",
-       "CF5B16A778AF8380036CE59E7B0492370B249B11E8F07A51AFAC45037AFEE9D1"},
+      {std::string("abc\0", 4), "686483805AC47CA14E03514F7481A7973B401762",
+       "DC1114CD074914BD872CC1F9A23EC910EA2203BC79779AB2E17DA25782A624FC"},
+      {std::string("\xFF\x00\x80\n\r", 5), "729BDD70C17EE08B5C8D9DE97A6468211DBDE4C6",
+       "E5A7BF5303B91012AD351DD6F4F72A34FED867AC54F08CFF5553AEDCB9B32698"},
   };
   for (const auto& v : vectors) {
-    SCOPED_TRACE(v.message);
-    const std::string m = v.message;
+    SCOPED_TRACE(v.sha1);
+    const std::string& m = v.message;
     const unsigned long n = static_cast<unsigned long>(m.size());
     EXPECT_EQ(v.sha1, DE::GetStringSha1Hex(m));
     EXPECT_EQ(v.sha256, DE::GetStringSha256Hex(m));
@@ -110,14 +109,10 @@ TEST(HashVectors, FipsVectorsThroughEveryBufferAndStringForm) {
     EXPECT_EQ(v.sha1, Hex(DE::GetBufferSha1(m.data(), n)));
     EXPECT_EQ(v.sha256, Hex(DE::GetBufferSha256(m.data(), n)));
   }
-  // Embedded NULs and high bytes count like any other byte (digests from Python's hashlib).
-  const std::string withNul("abc\0", 4), high("\xFF\x00\x80\n\r", 5);
-  EXPECT_EQ("686483805AC47CA14E03514F7481A7973B401762", DE::GetStringSha1Hex(withNul));
-  EXPECT_EQ("DC1114CD074914BD872CC1F9A23EC910EA2203BC79779AB2E17DA25782A624FC",
-            DE::GetStringSha256Hex(withNul));
-  EXPECT_EQ("729BDD70C17EE08B5C8D9DE97A6468211DBDE4C6", DE::GetBufferSha1Hex(high.data(), 5));
-  EXPECT_EQ("E5A7BF5303B91012AD351DD6F4F72A34FED867AC54F08CFF5553AEDCB9B32698",
-            DE::GetBufferSha256Hex(high.data(), 5));
+  // Only the one-call forms give "" for no data; streams and files of none give the empty digest.
+  EXPECT_EQ("", DE::GetStringSha256Hex(""));
+  EXPECT_EQ("", DE::GetBufferSha256(nullptr, 3));
+  EXPECT_EQ("", DE::GetBufferSha1Hex("abc", 0));
 }
 
 // One million "a" fed in uneven pieces, through both Update forms.
@@ -136,20 +131,6 @@ TEST(HashVectors, MillionAInPieces) {
   }
   EXPECT_EQ("34AA973CD4C4DAA4F61EEB2BDBAD27316534016F", Final(sha1));
   EXPECT_EQ("CDC76E5C9914FB9281A1C7E284D73E67F1809A48A497200E046D39CCC7112CD0", Final(sha256));
-}
-
-TEST(HashVectors, EmptyInputGivesEmptyTextNotTheEmptyDigest) {
-  EXPECT_EQ("", DE::GetStringSha1(""));
-  EXPECT_EQ("", DE::GetStringSha256Hex(""));
-  EXPECT_EQ("", DE::GetBufferSha256(nullptr, 3));
-  EXPECT_EQ("", DE::GetBufferSha1Hex("abc", 0));
-  // The rule belongs to the one-call forms: the classes do give the digest of no data.
-  DE::CryptSHA1 sha1;
-  DE::CryptSHA256 sha256;
-  sha1.Init();
-  sha256.Init();
-  EXPECT_EQ(kEmptySha1, Final(sha1));
-  EXPECT_EQ(kEmptySha256, Final(sha256));
 }
 
 TEST(CryptBase, LifeCycle) {
@@ -193,24 +174,17 @@ TEST(CryptBase, AlgorithmIdsOfTheProvider) {
   }
 }
 
-TEST(HashStream, CountsAndPosition) {
+TEST(HashStream, CountsPositionAndShortReads) {
   BytesStream s("xxabcyy");
   EXPECT_EQ(kEmptySha1, DE::GetStreamSha1Hex(s.stream, 0));
   // A negative count reads nothing and gives a zero-filled digest, not "".
-  EXPECT_EQ(std::string(20, '\0'), DE::GetStreamSha1(s.stream, -8193));
-  EXPECT_EQ(std::string(64, '0'), DE::GetStreamSha256Hex(s.stream, -1));
-  DE::CryptSHA1 sha1;
-  sha1.Init();
-  sha1.Update(s.stream, -1);
-  EXPECT_EQ(kEmptySha1, Final(sha1));
+  EXPECT_EQ(std::string(64, '0'), DE::GetStreamSha256Hex(s.stream, -8193));
   EXPECT_EQ(0, s.stream.Position());
   // Reading starts at the current position and leaves the stream after what was read.
   s.stream.Seek(2, DE::Begin);
   EXPECT_EQ(kAbcSha256, Hex(DE::GetStreamSha256(s.stream, 3)));
   EXPECT_EQ(5, s.stream.Position());
-}
 
-TEST(HashStream, ShortStreamHashesWhatTheBlockBufferHolds) {
   // Fewer bytes than asked: the rest of the zeroed buffer is hashed.
   BytesStream small("0123456789");
   EXPECT_EQ(DE::GetStringSha256Hex(std::string("0123456789") + std::string(10, '\0')),
@@ -230,8 +204,6 @@ const struct FileCase {
     {0, kEmptySha1, kEmptySha256},
     {1, "5BA93C9DB0CFF93F52B521D7420E43F6EDA2784F",
      "6E340B9CFFB37A989CA544E6BB780A2C78901D3FB33738768511A30617AFA01D"},
-    {8191, "2F8E6DE838A849B000BF9A0AE5A8D69EF00210C4",
-     "A3C1DA0CA9F5B72C50C8CD6932567B708F95E327155115F0452877331A6CC58D"},
     {8192, "F5FFEBA9F758D120E75BE259FC084B74F526201C",
      "D17BB25FF10882B5D967DA4173E6A84A19AED851543648BEA2387F744EBCD7FE"},
     {8193, "633C0AC0F3AC2D168F39561E6E9B39A0F919678E",
@@ -250,9 +222,7 @@ TEST(HashFile, SizesAgainstTheDigestTools) {
       EXPECT_EQ(c.sha256, ToolDigest("sha256sum", path));
     }
     EXPECT_EQ(c.sha1, DE::GetFileSha1Hex(path.string()));
-    EXPECT_EQ(c.sha1, DE::GetFileSha1Hex(path.wstring()));
     EXPECT_EQ(c.sha256, DE::GetFileSha256Hex(path.string()));
-    EXPECT_EQ(c.sha256, DE::GetFileSha256Hex(path.wstring()));
     EXPECT_EQ(c.sha1, Hex(DE::GetFileSha1(path.string())));
     EXPECT_EQ(c.sha256, Hex(DE::GetFileSha256(path.wstring())));
     // The same bytes as a stream, across the block boundary.
@@ -279,13 +249,11 @@ TEST(HashFile, NonAsciiWidePathAndUnopenableFiles) {
   }
 }
 
+// Up to 30 seconds.
 bool WaitForFile(const std::filesystem::path& path) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!std::filesystem::exists(path)) {
-    if (std::chrono::steady_clock::now() > end) return false;
+  for (int i = 0; i < 3000 && !std::filesystem::exists(path); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return true;
+  return std::filesystem::exists(path);
 }
 
 // Child: opens args[0] for writing (others may read and write), announces it by creating

@@ -19,12 +19,10 @@ TEST_F(RegistryTest, ImportAndExportRegFiles) {
   test::TempDir folder;
   const std::u16string key =
       u"HKEY_CURRENT_USER\\" + std::u16string(TestKeyPath().begin(), TestKeyPath().end()) + u"\\Reg";
+  const std::u16string header = u"Windows Registry Editor Version 5.00\r\n\r\n[" + key + u"]\r\n";
   // Values in name order, as both registries then list them the same way.
   const std::u16string text =
-      u"Windows Registry Editor Version 5.00\r\n\r\n"
-      u"[" +
-      key +
-      u"]\r\n"
+      header +
       u"@=\"default \\\"quoted\\\" \\\\ back\"\r\n"
       u"\"Bin\"=hex:00,01,fe,ff\r\n"
       u"\"Dw\"=dword:0000000a\r\n"
@@ -35,8 +33,7 @@ TEST_F(RegistryTest, ImportAndExportRegFiles) {
       // regedit breaks a hex list after the comma that reaches column 77.
       u"\"Wrapped\"=hex:00,01,02,03,04,05,06,07,08,09,0a,0b,0c,0d,0e,0f,10,11,12,13,14,\\\r\n"
       u"  15,16,17,18,19\r\n"
-      u"\r\n"
-      u"[" +
+      u"\r\n[" +
       key +
       u"\\Child]\r\n"
       u"\"s\"=\"\u00e9\u4e2d\"\r\n"
@@ -72,9 +69,7 @@ TEST_F(RegistryTest, ImportAndExportRegFiles) {
   EXPECT_EQ(FileBytes(text), test::ReadFileBytes(exported));
 
   // Deletions: a value and a key with its sub-keys.
-  const std::u16string removal = u"Windows Registry Editor Version 5.00\r\n\r\n[" + key +
-                                 u"]\r\n\"Dw\"=-\r\n\r\n[-" + key + u"\\Child]\r\n";
-  ASSERT_TRUE(test::WriteFileBytes(file, FileBytes(removal)));
+  ASSERT_TRUE(test::WriteFileBytes(file, FileBytes(header + u"\"Dw\"=-\r\n\r\n[-" + key + u"\\Child]\r\n")));
   ASSERT_EQ(0, DE::ImportRegistryFile(file.wstring()));
   EXPECT_FALSE(registry.ValueExists(L"Dw"));
   EXPECT_TRUE(registry.ValueExists(L"Bin"));

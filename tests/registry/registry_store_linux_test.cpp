@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -79,14 +78,8 @@ TEST(RegistryStore, ConcurrentAndKilledWritersLoseNoReturnedWrite) {
       ASSERT_TRUE(Registry::GetValue(HKEY_LOCAL_MACHINE, kLoadKey, name, value, 0)) << id << " " << j;
       EXPECT_EQ(j, value);
     }
-    if (id[0] != 'c') {
-      EXPECT_EQ(150, count) << id;
-    }
+    EXPECT_TRUE(id[0] == 'c' || count == 150) << id << " returned " << count;
   }
-  std::vector<std::wstring> names;
-  ASSERT_TRUE(Registry::GetNames(HKEY_LOCAL_MACHINE, kLoadKey, names, 0));
-  EXPECT_EQ(600,
-            std::count_if(names.begin(), names.end(), [](auto& n) { return n[0] == L'w' && n[1] != L'c'; }));
   EXPECT_TRUE(Registry::SetValue(HKEY_LOCAL_MACHINE, kLoadKey, L"after", 1, KEY_ALL_ACCESS));
 }
 

@@ -5,10 +5,6 @@
 
 #include "common/temp_dir.h"
 
-#if defined(_WIN32)
-#include "UtilPlatform.h"
-#endif
-
 namespace test {
 
 #if !defined(_WIN32)
@@ -19,20 +15,8 @@ const TempDir kStoreFolder;
 #endif
 
 const std::wstring& TestKeyPath() {
-  static const std::wstring path = [] {
-    std::random_device device;
-    return L"Software\\UtilTest-" + std::to_wstring(device()) + L"-" + std::to_wstring(device() % 100000);
-  }();
+  static const std::wstring path = L"Software\\UtilTest-" + std::to_wstring(std::random_device{}());
   return path;
-}
-
-bool RunningOnWine() {
-#if defined(_WIN32)
-  HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-  return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
-#else
-  return false;
-#endif
 }
 
 std::string Utf16Bytes(const std::u16string& text) {

@@ -1,6 +1,5 @@
-// Shared set-up of the registry tests. On Linux the store lives in a temporary folder
-// (UTIL_REGISTRY_DIR, set before any test runs); under Wine the prefix's registry is used. Every
-// test works below TestKeyPath() in HKEY_CURRENT_USER, which the fixture deletes afterwards.
+// Registry tests work below TestKeyPath() in HKEY_CURRENT_USER, deleted after each test: in the
+// prefix's registry under Wine, in a temporary store (UTIL_REGISTRY_DIR) on Linux.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +12,6 @@ namespace test {
 
 // "Software\UtilTest-<random>", the same for the whole process.
 const std::wstring& TestKeyPath();
-bool RunningOnWine();
 // UTF-16LE bytes of text, the Windows form of string data.
 std::string Utf16Bytes(const std::u16string& text);
 // The raw data of a value of the open key, or "<failed>".
