@@ -202,14 +202,23 @@ LONG Hive::Exec(const char* sql) {
   return Win32ErrorFromSqlite(sqlite3_exec(db_, sql, nullptr, nullptr, nullptr));
 }
 
-LONG Hive::Begin(bool write) { return Exec(write ? "BEGIN IMMEDIATE" : "BEGIN"); }
+LONG Hive::Step(const char* sql) {
+  sqlite3_stmt* raw = nullptr;
+  const LONG code = Prepare(sql, &raw);
+  Statement statement(raw);
+  return code != 0 ? code : Win32ErrorFromSqlite(sqlite3_step(raw));
+}
+
+// The transaction statements stay compiled too: parsing them anew on every call cost more than
+// a warm read itself.
+LONG Hive::Begin(bool write) { return Step(write ? "BEGIN IMMEDIATE" : "BEGIN"); }
 
 LONG Hive::End(LONG code) {
   if (code == 0) {
-    code = Exec("COMMIT");
+    code = Step("COMMIT");
     if (code == 0) return 0;
   }
-  sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+  Step("ROLLBACK");
   return code;
 }
 
@@ -506,41 +515,56 @@ LONG Hive::DeleteKey(KeyId parent, const std::vector<std::u16string>& path) {
   return End(code);
 }
 
-LONG Hive::EnumNames(NameList& list, const char* sql, KeyId id, DWORD index, std::u16string& name) {
-  std::lock_guard<std::recursive_mutex> lock(mutex_);
+bool Hive::NamesCurrent(const NameList& list, KeyId id) {
+  if (list.id != id || list.changes != sqlite3_total_changes64(db_)) return false;
+  // Another connection's commit moves the data version; reading it is a read of its own.
+  sqlite3_stmt* raw = nullptr;
+  if (Prepare("PRAGMA data_version", &raw) != 0) return false;
+  Statement statement(raw);
+  return sqlite3_step(raw) == SQLITE_ROW && sqlite3_column_int64(raw, 0) == list.version;
+}
+
+LONG Hive::LoadNames(NameList& list, const char* sql, KeyId id) {
+  list.id = -1;
+  list.names.clear();
   LONG code = Begin(false);
   if (code != 0) return code;
-  code = CheckKey(id);  // also opens the read transaction the version belongs to
-  unsigned int version = 0;
-  if (code == 0) sqlite3_file_control(db_, "main", SQLITE_FCNTL_DATA_VERSION, &version);
-  if (code == 0 && (list.id != id || list.version != version)) {
-    list.id = -1;
-    list.names.clear();
-    sqlite3_stmt* raw = nullptr;
-    code = Prepare(sql, &raw);
-    Statement statement(raw);
-    if (code == 0) {
-      sqlite3_bind_int64(raw, 1, id);
-      int step;
-      while ((step = sqlite3_step(raw)) == SQLITE_ROW) {
-        list.names.push_back(FromBlob(sqlite3_column_blob(raw, 0), sqlite3_column_bytes(raw, 0)));
-      }
-      if (step != SQLITE_DONE) code = Win32ErrorFromSqlite(step);
-    }
-    if (code == 0) {
-      list.id = id;
-      list.version = version;
-    }
-  }
+  code = CheckKey(id);
+  sqlite3_stmt* raw = nullptr;
+  if (code == 0) code = Prepare("PRAGMA data_version", &raw);
   if (code == 0) {
-    if (index < list.names.size()) {
-      name = list.names[index];
-    } else {
-      code = kRegErrorNoMoreItems;
-    }
+    Statement statement(raw);
+    const int step = sqlite3_step(raw);
+    if (step != SQLITE_ROW) code = Win32ErrorFromSqlite(step);
+    list.version = sqlite3_column_int64(raw, 0);
   }
-  const LONG end = End(0);
-  return code != 0 ? code : end;
+  if (code == 0) code = Prepare(sql, &raw);
+  if (code == 0) {
+    Statement statement(raw);
+    sqlite3_bind_int64(raw, 1, id);
+    int step;
+    while ((step = sqlite3_step(raw)) == SQLITE_ROW) {
+      list.names.push_back(FromBlob(sqlite3_column_blob(raw, 0), sqlite3_column_bytes(raw, 0)));
+    }
+    if (step != SQLITE_DONE) code = Win32ErrorFromSqlite(step);
+  }
+  code = End(code);
+  if (code == 0) {
+    list.id = id;
+    list.changes = sqlite3_total_changes64(db_);
+  }
+  return code;
+}
+
+LONG Hive::EnumNames(NameList& list, const char* sql, KeyId id, DWORD index, std::u16string& name) {
+  std::lock_guard<std::recursive_mutex> lock(mutex_);
+  if (!NamesCurrent(list, id)) {
+    const LONG code = LoadNames(list, sql, id);
+    if (code != 0) return code;
+  }
+  if (index >= list.names.size()) return kRegErrorNoMoreItems;
+  name = list.names[index];
+  return 0;
 }
 
 LONG Hive::EnumKey(KeyId id, DWORD index, std::u16string& name) {

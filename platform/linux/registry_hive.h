@@ -83,6 +83,8 @@ class Hive {
   // (callers pass literals); it stays owned by the hive.
   LONG Prepare(const char* sql, sqlite3_stmt** statement);
   LONG Exec(const char* sql);
+  // Runs one cached statement without results.
+  LONG Step(const char* sql);
   LONG Begin(bool write);
   LONG End(LONG code);
   LONG FindLocked(KeyId parent, const std::vector<std::u16string>& path, KeyId& id);
@@ -96,13 +98,17 @@ class Hive {
   LONG InitializeSchema();
   LONG Verify();
 
-  // Names of one key's sub-keys or values, kept while the file's data version stays the same,
-  // so enumerating index 0..n-1 reads the list once instead of n times.
+  // Names of one key's sub-keys or values, kept while no connection has written the file since
+  // (the data version counts other connections' commits, total changes this one's), so
+  // enumerating index 0..n-1 reads the list once instead of n times.
   struct NameList {
     KeyId id = -1;
-    unsigned int version = 0;
+    sqlite3_int64 version = 0;
+    sqlite3_int64 changes = 0;
     std::vector<std::u16string> names;
   };
+  bool NamesCurrent(const NameList& list, KeyId id);
+  LONG LoadNames(NameList& list, const char* sql, KeyId id);
   LONG EnumNames(NameList& list, const char* sql, KeyId id, DWORD index, std::u16string& name);
 
   std::string file_;

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/linux/registry_error.h"
+#include "platform/linux/registry_mounts.h"
 
 namespace DE::detail::linux_impl {
 
@@ -60,8 +61,6 @@ std::string Narrow(const std::u16string& text) {
   return out;
 }
 
-std::u16string Wide(const std::string& text) { return std::u16string(text.begin(), text.end()); }
-
 bool EnsureDirectory(const std::string& path, mode_t mode) {
   if (::mkdir(path.c_str(), mode) == 0 || errno == EEXIST) return true;
   const size_t slash = path.find_last_of('/');
@@ -102,6 +101,9 @@ std::string OwnSid() { return "S-1-22-1-" + std::to_string(::geteuid()); }
 
 std::string UsersFolder() { return StoreDirectory() + "/users"; }
 std::string UserHiveFile(const std::string& sid) { return UsersFolder() + "/" + sid + ".hive"; }
+std::string MachineHiveFile() { return StoreDirectory() + "/machine.hive"; }
+// Hives loaded below HKEY_LOCAL_MACHINE.
+std::string MachineMountFolder() { return StoreDirectory() + "/machine"; }
 
 // The hive behind a file, opened once per process. create makes a missing file when allowed.
 LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, std::shared_ptr<Hive>& hive) {
@@ -178,7 +180,7 @@ LONG ResolvePredefined(HKEY key, bool create, KeyHandle& out) {
   std::string file;
   bool isPrivate = false;
   uid_t owner = 0;
-  const std::string machine = StoreDirectory() + "/machine.hive";
+  const std::string machine = MachineHiveFile();
   if (key == HKEY_LOCAL_MACHINE) {
     file = machine;
   } else if (key == HKEY_CLASSES_ROOT) {
@@ -248,23 +250,40 @@ LONG GrantRights(const Hive& hive, DWORD requested, DWORD& granted) {
   return 0;
 }
 
-// The hive of HKEY_USERS\<first part>; create makes it for root or for the caller's own SID.
-LONG UserHive(const std::u16string& sid, bool create, std::shared_ptr<Hive>& hive) {
-  std::string name;
-  if (!SidFileName(sid, name)) return static_cast<LONG>(create ? kErrorAccessDenied : kErrorFileNotFound);
-  const bool mayCreate = create && (::geteuid() == 0 || name == OwnSid());
-  const LONG code = GetHive(UserHiveFile(name), mayCreate, true, OwnerOfSid(name), hive);
-  if (code == static_cast<LONG>(kErrorFileNotFound) && create && !mayCreate) {
-    return static_cast<LONG>(kErrorAccessDenied);
+// The hive of HKEY_USERS\<name>: a user's own or a loaded one. create makes a user's hive, for
+// root or for the caller's own SID.
+LONG UserHive(const std::u16string& name, bool create, std::shared_ptr<Hive>& hive) {
+  std::string sid;
+  const bool isSid = SidFileName(name, sid);
+  std::string file = FindMountedHive(UsersFolder(), name);
+  if (file.empty()) {
+    if (!create) return static_cast<LONG>(kErrorFileNotFound);
+    if (!isSid || (::geteuid() != 0 && sid != OwnSid())) return static_cast<LONG>(kErrorAccessDenied);
+    file = UserHiveFile(sid);
   }
-  return code;
+  return GetHive(file, create, true, isSid ? OwnerOfSid(sid) : 0, hive);
 }
 
-// Moves `from`, the HKEY_USERS root, into the hive of the user the path's first part names;
-// that part is consumed.
-LONG EnterUserHive(KeyHandle& from, std::vector<std::u16string>& parts, bool create) {
-  const LONG code = UserHive(parts.front(), create, from.hive);
-  if (code != 0) return code;
+bool IsMachineRoot(const KeyHandle& key) {
+  return !key.usersRoot && key.id == kHiveRootKey && key.hive->File() == MachineHiveFile();
+}
+
+// Moves `from`, a root that holds hives as keys, into the hive the path's first part names; that
+// part is consumed. Below HKEY_LOCAL_MACHINE a name that is not a loaded hive is an ordinary key:
+// `from` and parts then stay as they are.
+LONG EnterMountedHive(KeyHandle& from, std::vector<std::u16string>& parts, bool create) {
+  if (parts.empty() || !(from.usersRoot || IsMachineRoot(from))) return 0;
+  std::shared_ptr<Hive> hive;
+  if (from.usersRoot) {
+    const LONG code = UserHive(parts.front(), create, hive);
+    if (code != 0) return code;
+  } else {
+    const std::string file = FindMountedHive(MachineMountFolder(), parts.front());
+    if (file.empty()) return 0;
+    const LONG code = GetHive(file, false, true, 0, hive);
+    if (code != 0) return code;
+  }
+  from.hive = std::move(hive);
   from.id = kHiveRootKey;
   from.usersRoot = false;
   parts.erase(parts.begin());
@@ -280,15 +299,13 @@ LONG OpenOrCreate(HKEY base, const std::u16string& subKey, DWORD access, bool cr
   KeyHandle from;
   code = Resolve(base, create, from);
   if (code != 0) return code;
-  if (from.usersRoot) {
-    if (parts.empty()) {
-      *result = Register(from);
-      if (disposition != nullptr) *disposition = 2;  // REG_OPENED_EXISTING_KEY
-      return 0;
-    }
-    code = EnterUserHive(from, parts, create);
-    if (code != 0) return code;
+  if (from.usersRoot && parts.empty()) {
+    *result = Register(from);
+    if (disposition != nullptr) *disposition = 2;  // REG_OPENED_EXISTING_KEY
+    return 0;
   }
+  code = EnterMountedHive(from, parts, create);
+  if (code != 0) return code;
   KeyHandle opened;
   opened.hive = from.hive;
   code = GrantRights(*from.hive, access, opened.access);
@@ -310,21 +327,24 @@ LONG HiveKey(HKEY key, KeyHandle& out) {
   return out.usersRoot ? static_cast<LONG>(kErrorAccessDenied) : 0;
 }
 
-std::vector<std::string> UserHiveNames() {
-  std::vector<std::string> names;
-  DIR* folder = ::opendir(UsersFolder().c_str());
-  if (folder == nullptr) return names;
-  while (dirent* entry = ::readdir(folder)) {
-    std::string name = entry->d_name;
-    const std::string suffix = ".hive";
-    if (name.size() > suffix.size() &&
-        name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0) {
-      names.push_back(name.substr(0, name.size() - suffix.size()));
-    }
+// The sub-key names of a root that holds hives: the hive files below HKEY_USERS; the machine
+// hive's own keys and the loaded hives below HKEY_LOCAL_MACHINE.
+LONG RootKeyNames(const KeyHandle& key, std::vector<std::u16string>& names) {
+  if (key.usersRoot) {
+    names = MountedNames(UsersFolder());
+    return 0;
   }
-  ::closedir(folder);
-  std::sort(names.begin(), names.end());
-  return names;
+  names = MountedNames(MachineMountFolder());
+  std::u16string name;
+  for (DWORD index = 0;; ++index) {
+    const LONG code = key.hive->EnumKey(key.id, index, name);
+    if (code == kRegErrorNoMoreItems) break;
+    if (code != 0) return code;
+    names.push_back(name);
+  }
+  std::sort(names.begin(), names.end(),
+            [](const std::u16string& a, const std::u16string& b) { return FoldName(a) < FoldName(b); });
+  return 0;
 }
 
 bool IsRoot() { return ::geteuid() == 0; }
@@ -395,10 +415,12 @@ LONG StoreDeleteKey(HKEY base, const std::u16string& subKey) {
   KeyHandle from;
   code = Resolve(base, false, from);
   if (code != 0) return code;
-  if (from.usersRoot) {
-    if (parts.size() < 2) return static_cast<LONG>(kErrorAccessDenied);  // a user's hive stays
-    code = EnterUserHive(from, parts, false);
-    if (code != 0) return code;
+  const bool hiveRoot = from.usersRoot || IsMachineRoot(from);
+  code = EnterMountedHive(from, parts, false);
+  if (code != 0) return code;
+  // A hive's own root key is not deleted: it goes by unloading.
+  if (from.usersRoot || (hiveRoot && !IsMachineRoot(from) && parts.empty())) {
+    return static_cast<LONG>(kErrorAccessDenied);
   }
   if (!from.hive->Writable()) {
     KeyId target = 0;
@@ -413,10 +435,12 @@ LONG StoreEnumKey(HKEY key, DWORD index, std::u16string& name) {
   LONG code = Resolve(key, false, handle);
   if (code == 0) code = NeedRight(handle, KEY_ENUMERATE_SUB_KEYS);
   if (code != 0) return code;
-  if (handle.usersRoot) {
-    const std::vector<std::string> names = UserHiveNames();
+  if (handle.usersRoot || (IsMachineRoot(handle) && !MountedNames(MachineMountFolder()).empty())) {
+    std::vector<std::u16string> names;
+    code = RootKeyNames(handle, names);
+    if (code != 0) return code;
     if (index >= names.size()) return kRegErrorNoMoreItems;
-    name = Wide(names[index]);
+    name = names[index];
     return 0;
   }
   return handle.hive->EnumKey(handle.id, index, name);
@@ -438,14 +462,17 @@ LONG StoreQueryInfoKey(HKEY key, HiveKeyInfo& info) {
   if (code != 0) return code;
   if (handle.usersRoot) {
     info = HiveKeyInfo();
-    for (const std::string& name : UserHiveNames()) {
-      ++info.subKeys;
-      info.maxSubKeyLen = std::max<DWORD>(info.maxSubKeyLen, static_cast<DWORD>(name.size()));
-    }
     info.lastWrite = FileTimeNow();
-    return 0;
+  } else {
+    code = handle.hive->QueryInfo(handle.id, info);
+    if (code != 0 || !IsMachineRoot(handle)) return code;
   }
-  return handle.hive->QueryInfo(handle.id, info);
+  // Loaded hives count as sub-keys of their root.
+  for (const std::u16string& name : MountedNames(handle.usersRoot ? UsersFolder() : MachineMountFolder())) {
+    ++info.subKeys;
+    info.maxSubKeyLen = std::max<DWORD>(info.maxSubKeyLen, static_cast<DWORD>(name.size()));
+  }
+  return 0;
 }
 
 LONG StoreFlushKey(HKEY key) {
@@ -506,38 +533,38 @@ LONG StoreRestoreKey(HKEY key, const std::string& file) {
 }
 
 LONG StoreLoadKey(HKEY root, const std::u16string& subKey, const std::string& file) {
-  if (root != HKEY_USERS)
-    return static_cast<LONG>(root == HKEY_LOCAL_MACHINE ? kErrorNotSupported : kErrorInvalidParameter);
+  if (root != HKEY_USERS && root != HKEY_LOCAL_MACHINE) return static_cast<LONG>(kErrorInvalidParameter);
   if (!IsRoot()) return kRegErrorPrivilegeNotHeld;
-  std::string name;
-  if (!SidFileName(subKey, name)) return static_cast<LONG>(kErrorInvalidParameter);
+  if (subKey.empty() || subKey.size() > kMaxKeyNameUnits || subKey.find(u'\\') != std::u16string::npos) {
+    return static_cast<LONG>(kErrorInvalidParameter);
+  }
   std::shared_ptr<Hive> check;
   LONG code = Hive::Open(file, false, false, true, 0, check);
   if (code != 0) return code;
-  char absolute[PATH_MAX];
-  if (::realpath(file.c_str(), absolute) == nullptr) return static_cast<LONG>(LastWin32ErrorFromErrno());
-  EnsureDirectory(UsersFolder(), 0755);
-  if (::symlink(absolute, UserHiveFile(name).c_str()) != 0) {
-    return static_cast<LONG>(errno == EEXIST ? kErrorAlreadyExists : LastWin32ErrorFromErrno());
+  if (root == HKEY_USERS) {
+    EnsureDirectory(UsersFolder(), 0755);
+    return MountHive(UsersFolder(), subKey, file);
   }
-  return 0;
+  // A loaded hive does not hide a key of the machine hive.
+  KeyHandle machine;
+  code = ResolvePredefined(HKEY_LOCAL_MACHINE, true, machine);
+  KeyId existing = 0;
+  if (code == 0) code = machine.hive->Find(kHiveRootKey, {subKey}, existing);
+  if (code == 0) return static_cast<LONG>(kErrorAlreadyExists);
+  if (code != static_cast<LONG>(kErrorFileNotFound)) return code;
+  return MountHive(MachineMountFolder(), subKey, file);
 }
 
 LONG StoreUnLoadKey(HKEY root, const std::u16string& subKey) {
-  if (root != HKEY_USERS) return static_cast<LONG>(kErrorInvalidParameter);
+  if (root != HKEY_USERS && root != HKEY_LOCAL_MACHINE) return static_cast<LONG>(kErrorInvalidParameter);
   if (!IsRoot()) return kRegErrorPrivilegeNotHeld;
-  std::string name;
-  if (!SidFileName(subKey, name)) return static_cast<LONG>(kErrorInvalidParameter);
-  const std::string link = UserHiveFile(name);
-  struct stat info;
-  if (::lstat(link.c_str(), &info) != 0) return static_cast<LONG>(kErrorFileNotFound);
-  // Only a loaded hive (a link) can be unloaded; a user's own hive file stays.
-  if (!S_ISLNK(info.st_mode)) return static_cast<LONG>(kErrorAccessDenied);
-  {
+  std::string link;
+  const LONG code = UnmountHive(root == HKEY_USERS ? UsersFolder() : MachineMountFolder(), subKey, link);
+  if (code == 0) {
     std::lock_guard<std::mutex> lock(StoreMutex());
     HiveCache().erase(link);
   }
-  return ::unlink(link.c_str()) == 0 ? 0 : static_cast<LONG>(LastWin32ErrorFromErrno());
+  return code;
 }
 
 LONG StoreReplaceKey(HKEY base, const std::u16string& subKey, const std::string& newFile,

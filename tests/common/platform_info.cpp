@@ -25,4 +25,13 @@ int AnsiCodePage() {
 #endif
 }
 
+bool RunningUnderWine() {
+#if defined(_WIN32)
+  HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+  return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
+#else
+  return false;
+#endif
+}
+
 }  // namespace test

@@ -14,4 +14,7 @@ constexpr bool IsWindowsBuild() {
 #endif
 }
 
+// True for the Windows build running under Wine, whose gaps some tests skip with the reason.
+bool RunningUnderWine();
+
 }  // namespace test

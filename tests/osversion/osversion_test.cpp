@@ -9,6 +9,7 @@
 
 #include "DEOSVersion.h"
 #include "common/child_process.h"
+#include "common/platform_info.h"
 #include "common/temp_dir.h"
 
 #if defined(_WIN32)
@@ -60,8 +61,7 @@ TEST_CHILD_MAIN(osversion_report) {
 
 // Wine reports the release chosen per program (AppDefaults\<exe>\Version): 10.0, build 0, "Windows".
 TEST(OSVersion, WindowsTenUnderWine) {
-  HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-  if (ntdll == nullptr || GetProcAddress(ntdll, "wine_get_version") == nullptr) {
+  if (!test::RunningUnderWine()) {
     GTEST_SKIP() << "not running under Wine; the release cannot be chosen per program";
   }
   wchar_t self[MAX_PATH] = {};

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "common/log_capture.h"
+#include "common/platform_info.h"
 
 namespace {
 
@@ -41,15 +42,6 @@ std::string ToTimet(const SYSTEMTIME& st) {
   const int result = DE::SystemTimeToTimet(&st, &t);
   if (result == 1) return std::to_string(t);
   return result == 0 && t == 12345 ? "fail" : "result " + std::to_string(result);
-}
-
-bool RunningUnderWine() {
-#if defined(_WIN32)
-  HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-  return ntdll != nullptr && GetProcAddress(ntdll, "wine_get_version") != nullptr;
-#else
-  return false;
-#endif
 }
 
 // UTC instants, generated with Python's datetime: t = seconds since 1970, SYSTEMTIME fields with
@@ -125,7 +117,8 @@ TEST(TimeConversion, SystemTimeToTimetValidatesTheRecordAsWindowsDoes) {
   EXPECT_EQ(DE::SystemTimeToTimet(nullptr, &t), 0);
   EXPECT_EQ(t, 12345);
 
-  if (RunningUnderWine()) GTEST_SKIP() << "Wine accepts 29 February of every year and years after 30827";
+  if (test::RunningUnderWine())
+    GTEST_SKIP() << "Wine accepts 29 February of every year and years after 30827";
   for (const SYSTEMTIME& st : {Sys(2023, 2, 29), Sys(2100, 2, 29), Sys(30828, 1, 1)}) {
     EXPECT_EQ(ToTimet(st), "fail") << Text(st);
   }
