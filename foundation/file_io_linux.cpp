@@ -25,7 +25,8 @@ int ToDescriptor(HANDLE file) {
   return static_cast<int>(value);
 }
 
-// Returns ok, setting the last error from `error` when it is false.
+// Returns ok, setting the last error from `error` when it is false. Callers make the call first:
+// as two arguments of one call, the code could be read before the call that sets it.
 bool Report(bool ok, DWORD error) {
   if (!ok) SetLastErrorCode(error);
   return ok;
@@ -54,7 +55,8 @@ bool Read(HANDLE file, void* buffer, DWORD count, DWORD* done) {
   const int fd = ToDescriptor(file);
   if (fd < 0) return false;
   DWORD error = 0;
-  return Report(linux_impl::ReadSharedFile(fd, buffer, count, done, &error), error);
+  const bool ok = linux_impl::ReadSharedFile(fd, buffer, count, done, &error);
+  return Report(ok, error);
 }
 
 bool Write(HANDLE file, const void* buffer, DWORD count, DWORD* done) {
@@ -62,28 +64,32 @@ bool Write(HANDLE file, const void* buffer, DWORD count, DWORD* done) {
   const int fd = ToDescriptor(file);
   if (fd < 0) return false;
   DWORD error = 0;
-  return Report(linux_impl::WriteSharedFile(fd, buffer, count, done, &error), error);
+  const bool ok = linux_impl::WriteSharedFile(fd, buffer, count, done, &error);
+  return Report(ok, error);
 }
 
 bool Seek(HANDLE file, long long offset, DWORD origin, long long* position) {
   const int fd = ToDescriptor(file);
   if (fd < 0) return false;
   DWORD error = 0;
-  return Report(linux_impl::SeekSharedFile(fd, offset, origin, position, &error), error);
+  const bool ok = linux_impl::SeekSharedFile(fd, offset, origin, position, &error);
+  return Report(ok, error);
 }
 
 bool SetEnd(HANDLE file) {
   const int fd = ToDescriptor(file);
   if (fd < 0) return false;
   DWORD error = 0;
-  return Report(linux_impl::SetEndOfSharedFile(fd, &error), error);
+  const bool ok = linux_impl::SetEndOfSharedFile(fd, &error);
+  return Report(ok, error);
 }
 
 bool Close(HANDLE file) {
   const int fd = ToDescriptor(file);
   if (fd < 0) return false;
   DWORD error = 0;
-  return Report(linux_impl::CloseSharedFile(fd, &error), error);
+  const bool ok = linux_impl::CloseSharedFile(fd, &error);
+  return Report(ok, error);
 }
 
 }  // namespace DE::detail::file_io

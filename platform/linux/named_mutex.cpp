@@ -17,6 +17,7 @@
 #include <new>
 #include <utility>
 
+#include "platform/linux/system_calls.h"
 #include "platform/linux/utf8_codec.h"
 #include "platform/linux/win32_error.h"
 
@@ -89,14 +90,14 @@ bool InitMutex(pthread_mutex_t* mutex, bool processShared) {
 
 // Sizes the unnamed file and writes an initialised block into it.
 bool InitializeObject(int fd) {
-  if (ftruncate(fd, sizeof(SharedBlock)) != 0) return false;
-  void* memory = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+  if (Sys().ftruncate(fd, sizeof(SharedBlock)) != 0) return false;
+  void* memory = Sys().mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
   if (memory == MAP_FAILED) return false;
   SharedBlock* block = new (memory) SharedBlock;
   const bool initialized = InitMutex(&block->mutex, true);
   block->magic = kBlockMagic;
   block->version = kBlockVersion;
-  munmap(memory, sizeof(SharedBlock));
+  Sys().munmap(memory, sizeof(SharedBlock));
   if (!initialized) errno = ENOMEM;
   return initialized;
 }
@@ -104,14 +105,14 @@ bool InitializeObject(int fd) {
 // Builds the object as an unnamed file and links it under `objectName`, so nobody ever opens it
 // half-made. Returns the open file, or -1 with errno (EEXIST: another process published first).
 int PublishObject(const std::string& objectName, const ObjectSecurity* security) {
-  const int fd = open(kShmDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  const int fd = Sys().open(kShmDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
   if (fd < 0) return -1;
   const std::string from = "/proc/self/fd/" + std::to_string(fd);
   const std::string to = kShmDirectory + objectName;
   if (!ApplyObjectSecurity(fd, security) || !InitializeObject(fd) ||
-      linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      Sys().linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) != 0) {
     const int error = errno;
-    close(fd);
+    Sys().close(fd);
     errno = error;
     return -1;
   }
@@ -161,7 +162,7 @@ NamedMutex* MappingRegistry::NewHandle(Mapping* mapping, DWORD* error) {
 
 NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
   struct stat info;
-  if (fstat(fd, &info) != 0) {
+  if (Sys().fstat(fd, &info) != 0) {
     *error = Win32ErrorFromErrno(errno);
     return nullptr;
   }
@@ -178,7 +179,7 @@ NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
   const auto found = mappings_.find(key);
   if (found != mappings_.end()) return NewHandle(found->second, error);
 
-  void* memory = mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+  void* memory = Sys().mmap(nullptr, sizeof(SharedBlock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
   if (memory == MAP_FAILED) {
     *error = Win32ErrorFromErrno(errno);
     return nullptr;
@@ -189,7 +190,7 @@ NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
   if (mapping == nullptr) {
     *error = block->magic == kBlockMagic && block->version == kBlockVersion ? kErrorNotEnoughMemory
                                                                             : kErrorInvalidHandle;
-    munmap(memory, sizeof(SharedBlock));
+    Sys().munmap(memory, sizeof(SharedBlock));
     return nullptr;
   }
   mapping->block = block;
@@ -198,7 +199,7 @@ NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
   mapping->inode = info.st_ino;
   NamedMutex* handle = NewHandle(mapping, error);
   if (handle == nullptr) {
-    munmap(memory, sizeof(SharedBlock));
+    Sys().munmap(memory, sizeof(SharedBlock));
     delete mapping;
     return nullptr;
   }
@@ -234,7 +235,7 @@ void MappingRegistry::Detach(Mapping* mapping) {
   if (mapping->owned.load() > 0) return;
   if (mapping->shared) {
     mappings_.erase(std::make_pair(mapping->device, mapping->inode));
-    munmap(mapping->block, sizeof(SharedBlock));
+    Sys().munmap(mapping->block, sizeof(SharedBlock));
   } else {
     pthread_mutex_destroy(&mapping->block->mutex);
     delete mapping->block;
@@ -264,7 +265,7 @@ NamedMutex* OpenOrCreate(const wchar_t* name, bool create, const ObjectSecurity*
   std::string objectName;
   if (!SharedMutexObjectName(name, &objectName, error)) return nullptr;
   for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
-    int fd = shm_open(objectName.c_str(), O_RDWR, 0);
+    int fd = Sys().shm_open(objectName.c_str(), O_RDWR, 0);
     const bool existed = fd >= 0;
     if (!existed) {
       if (errno != ENOENT || !create) {
@@ -279,7 +280,7 @@ NamedMutex* OpenOrCreate(const wchar_t* name, bool create, const ObjectSecurity*
       }
     }
     NamedMutex* handle = MappingRegistry::Get().Attach(fd, error);
-    close(fd);
+    Sys().close(fd);
     if (handle != nullptr) *error = existed ? kErrorAlreadyExists : 0;
     return handle;
   }

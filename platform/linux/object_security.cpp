@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "PxsLog.h"
+#include "platform/linux/system_calls.h"
 
 namespace DE::detail::linux_impl {
 namespace {
@@ -108,15 +109,15 @@ bool OwnedByAnonymous(const struct stat& info) {
 bool ApplyObjectSecurity(int fd, const ObjectSecurity* security) {
   // fchmod, not the creation mode, so the process umask cannot narrow it.
   const mode_t mode = security != nullptr ? security->mode : kOwnerOnly;
-  if (fchmod(fd, mode) != 0) return false;
+  if (Sys().fchmod(fd, mode) != 0) return false;
   if (security == nullptr || !security->denyAnonymous) return true;
   const std::vector<unsigned char> acl = AnonymousDenyingAcl(mode);
-  if (fsetxattr(fd, "system.posix_acl_access", acl.data(), acl.size(), 0) == 0) return true;
+  if (Sys().fsetxattr(fd, "system.posix_acl_access", acl.data(), acl.size(), 0) == 0) return true;
   // Without the deny entries the object must not be open to everyone.
   const int error = errno;
   PXSLOGE("Util", "cannot store the access list of a named object (" + std::string(std::strerror(error)) +
                       "); it stays private to its owner");
-  return fchmod(fd, kOwnerOnly) == 0;
+  return Sys().fchmod(fd, kOwnerOnly) == 0;
 }
 
 }  // namespace DE::detail::linux_impl

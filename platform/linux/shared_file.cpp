@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 
+#include "platform/linux/system_calls.h"
 #include "platform/linux/win32_error.h"
 
 namespace DE::detail::linux_impl {
@@ -45,7 +46,7 @@ Outcome Announce(int fd, bool canRead, Region region) {
     lock.l_whence = SEEK_SET;
     lock.l_start = RegionStart(region) + NextSlot();
     lock.l_len = 1;
-    if (fcntl(fd, F_OFD_SETLK, &lock) == 0) return Outcome::Yes;
+    if (Sys().fcntl(fd, F_OFD_SETLK, &lock) == 0) return Outcome::Yes;
     if (errno != EAGAIN && errno != EACCES && errno != EINTR) return Outcome::Unsupported;
   }
   return Outcome::No;  // 64 clashes in 2^32 bytes: the region is flooded; refuse rather than guess
@@ -58,7 +59,7 @@ Outcome OthersIn(int fd, Region region) {
   probe.l_whence = SEEK_SET;
   probe.l_start = RegionStart(region);
   probe.l_len = kRegionSize;
-  if (fcntl(fd, F_OFD_GETLK, &probe) != 0) return Outcome::Unsupported;
+  if (Sys().fcntl(fd, F_OFD_GETLK, &probe) != 0) return Outcome::Unsupported;
   return probe.l_type == F_UNLCK ? Outcome::No : Outcome::Yes;
 }
 
@@ -84,7 +85,7 @@ DWORD CheckSharing(int fd, const SharedFileOpen& how) {
 
 bool IsFolder(const std::string& path) {
   struct stat info;
-  return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+  return Sys().stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 // Windows tells a missing file (2) from a missing folder on the way (3).
@@ -98,13 +99,13 @@ DWORD MissingError(const std::string& path, bool creating) {
 
 // EBADF on a good descriptor means a transfer the descriptor's mode does not allow.
 DWORD TransferError(int fd, int error) {
-  if (error == EBADF && fcntl(fd, F_GETFL) != -1) return kErrorAccessDenied;
+  if (error == EBADF && Sys().fcntl(fd, F_GETFL, nullptr) != -1) return kErrorAccessDenied;
   return Win32ErrorFromErrno(error);
 }
 
 void CloseQuietly(int fd) {
   const int saved = errno;
-  close(fd);
+  Sys().close(fd);
   errno = saved;
 }
 
@@ -120,14 +121,14 @@ int OpenSharedFile(const std::string& path, const SharedFileOpen& how, DWORD* er
   if (how.createAlways) flags |= O_CREAT;
   int fd;
   do {
-    fd = open(path.c_str(), flags, 0666);
+    fd = Sys().open(path.c_str(), flags, 0666);
   } while (fd < 0 && errno == EINTR);
   if (fd < 0) {
     *error = errno == ENOENT ? MissingError(path, how.createAlways) : Win32ErrorFromErrno(errno);
     return -1;
   }
   struct stat info;
-  if (fstat(fd, &info) != 0) {
+  if (Sys().fstat(fd, &info) != 0) {
     *error = LastWin32ErrorFromErrno();
     CloseQuietly(fd);
     return -1;
@@ -143,7 +144,7 @@ int OpenSharedFile(const std::string& path, const SharedFileOpen& how, DWORD* er
     *error = refused;
     return -1;
   }
-  if (how.createAlways && S_ISREG(info.st_mode) && ftruncate(fd, 0) != 0) {
+  if (how.createAlways && S_ISREG(info.st_mode) && Sys().ftruncate(fd, 0) != 0) {
     *error = LastWin32ErrorFromErrno();
     CloseQuietly(fd);
     return -1;
@@ -156,7 +157,7 @@ bool ReadSharedFile(int fd, void* buffer, DWORD count, DWORD* done, DWORD* error
   DWORD total = 0;
   while (total < count) {
     const std::size_t chunk = std::min<std::size_t>(count - total, kMaxTransfer);
-    const ssize_t n = read(fd, out + total, chunk);
+    const ssize_t n = Sys().read(fd, out + total, chunk);
     if (n < 0) {
       if (errno == EINTR) continue;
       *done = total;
@@ -175,7 +176,7 @@ bool WriteSharedFile(int fd, const void* buffer, DWORD count, DWORD* done, DWORD
   DWORD total = 0;
   while (total < count) {
     const std::size_t chunk = std::min<std::size_t>(count - total, kMaxTransfer);
-    const ssize_t n = write(fd, in + total, chunk);
+    const ssize_t n = Sys().write(fd, in + total, chunk);
     if (n < 0) {
       if (errno == EINTR) continue;
       *done = total;
@@ -194,7 +195,7 @@ bool SeekSharedFile(int fd, long long offset, DWORD origin, long long* position,
     *error = kErrorInvalidParameter;
     return false;
   }
-  const off_t moved = lseek(fd, static_cast<off_t>(offset), kWhence[origin]);
+  const off_t moved = Sys().lseek(fd, static_cast<off_t>(offset), kWhence[origin]);
   if (moved < 0) {
     *error = errno == EINVAL ? kErrorNegativeSeek : LastWin32ErrorFromErrno();
     return false;
@@ -204,7 +205,7 @@ bool SeekSharedFile(int fd, long long offset, DWORD origin, long long* position,
 }
 
 bool SetEndOfSharedFile(int fd, DWORD* error) {
-  const int mode = fcntl(fd, F_GETFL);
+  const int mode = Sys().fcntl(fd, F_GETFL, nullptr);
   if (mode == -1) {
     *error = LastWin32ErrorFromErrno();
     return false;
@@ -213,8 +214,8 @@ bool SetEndOfSharedFile(int fd, DWORD* error) {
     *error = kErrorAccessDenied;
     return false;
   }
-  const off_t end = lseek(fd, 0, SEEK_CUR);
-  if (end < 0 || ftruncate(fd, end) != 0) {
+  const off_t end = Sys().lseek(fd, 0, SEEK_CUR);
+  if (end < 0 || Sys().ftruncate(fd, end) != 0) {
     *error = TransferError(fd, errno);
     return false;
   }
@@ -223,7 +224,7 @@ bool SetEndOfSharedFile(int fd, DWORD* error) {
 
 bool CloseSharedFile(int fd, DWORD* error) {
   // Linux releases the descriptor even when close reports EINTR, so only EBADF is a failure.
-  if (close(fd) != 0 && errno == EBADF) {
+  if (Sys().close(fd) != 0 && errno == EBADF) {
     *error = kErrorInvalidHandle;
     return false;
   }
