@@ -2,52 +2,25 @@
 // system root UTIL_SYSROOT. Only Linux-specific code goes in this file.
 #include <sys/utsname.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include "foundation/os_version_detail.h"
 #include "foundation/text_codec.h"
+#include "platform/linux/system_root.h"
 
 namespace DE::detail {
 
 namespace {
 
-// os-release is a few hundred bytes; anything far larger is not one.
-constexpr std::streamsize kMaxFileSize = 64 * 1024;
-
-std::string SystemRoot() {
-  const char* root = std::getenv("UTIL_SYSROOT");
-  return root != nullptr && *root != '\0' ? root : "/";
-}
-
-std::string UnderRoot(const std::string& root, const char* relative) {
-  if (!root.empty() && root.back() == '/') return root + relative;
-  return root + "/" + relative;
-}
-
-bool ReadSmallFile(const std::string& path, std::string& content) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  content.assign(static_cast<std::size_t>(kMaxFileSize), '\0');
-  in.read(&content[0], kMaxFileSize);
-  content.resize(static_cast<std::size_t>(in.gcount()));
-  return true;
-}
-
-// The first line of a /proc value file.
-bool ReadProcValue(const std::string& path, std::string& value) {
-  if (!ReadSmallFile(path, value)) return false;
-  const std::size_t end = value.find('\n');
-  if (end != std::string::npos) value.resize(end);
-  return !value.empty();
-}
+using linux_impl::ReadFirstLine;
+using linux_impl::ReadSmallFile;
+using linux_impl::UnderSystemRoot;
 
 // proc/sys/kernel/{osrelease,arch} under the system root, so a fixture tree can stand in for the
 // running kernel; uname() when the root does not have them.
-void ReadKernel(const std::string& root, std::string& release, std::string& machine) {
-  const bool haveRelease = ReadProcValue(UnderRoot(root, "proc/sys/kernel/osrelease"), release);
-  const bool haveMachine = ReadProcValue(UnderRoot(root, "proc/sys/kernel/arch"), machine);
+void ReadKernel(std::string& release, std::string& machine) {
+  const bool haveRelease = ReadFirstLine(UnderSystemRoot("proc/sys/kernel/osrelease"), release);
+  const bool haveMachine = ReadFirstLine(UnderSystemRoot("proc/sys/kernel/arch"), machine);
   if (haveRelease && haveMachine) return;
   struct utsname names = {};
   if (uname(&names) != 0) return;
@@ -125,11 +98,11 @@ bool FindOsReleaseValue(const std::string& content, const std::string& key, std:
 }
 
 // etc/os-release takes precedence over usr/lib/os-release, as the format prescribes.
-std::wstring SystemName(const std::string& root) {
+std::wstring SystemName() {
   std::string content;
   std::string name;
-  if ((ReadSmallFile(UnderRoot(root, "etc/os-release"), content) ||
-       ReadSmallFile(UnderRoot(root, "usr/lib/os-release"), content)) &&
+  if ((ReadSmallFile(UnderSystemRoot("etc/os-release"), content) ||
+       ReadSmallFile(UnderSystemRoot("usr/lib/os-release"), content)) &&
       FindOsReleaseValue(content, "PRETTY_NAME", name) && !name.empty()) {
     return Utf8ToWide(name.data(), name.size());
   }
@@ -139,10 +112,9 @@ std::wstring SystemName(const std::string& root) {
 }  // namespace
 
 OsVersionFields QueryOsVersion() {
-  const std::string root = SystemRoot();
   std::string release;
   std::string machine;
-  ReadKernel(root, release, machine);
+  ReadKernel(release, machine);
   int numbers[3] = {0, 0, 0};
   ParseKernelRelease(release, numbers);
 
@@ -151,7 +123,7 @@ OsVersionFields QueryOsVersion() {
   fields.minor = numbers[1];
   fields.build = numbers[2];
   fields.architecture = machine == "x86_64" ? 1 : 0;
-  fields.name = SystemName(root);
+  fields.name = SystemName();
   return fields;
 }
 

@@ -17,6 +17,7 @@
 
 #include "platform/linux/registry_error.h"
 #include "platform/linux/registry_mounts.h"
+#include "platform/linux/registry_replace.h"
 
 namespace DE::detail::linux_impl {
 
@@ -136,6 +137,7 @@ LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, 
     const uid_t expected = OwnerOfSid(base.substr(0, base.size() - 5));
     if (existing.st_uid != expected && existing.st_uid != 0) return static_cast<LONG>(kErrorAccessDenied);
   }
+  if (writable) ApplyPendingHiveReplace(file);
   const LONG code = Hive::Open(file, create, writable, isPrivate, owner, hive);
   if (code == 0) HiveCache()[file] = hive;
   return code;
@@ -579,16 +581,7 @@ LONG StoreReplaceKey(HKEY base, const std::u16string& subKey, const std::string&
   if (code != 0) return code;
   // Only the root of a hive can be replaced.
   if (handle.id != kHiveRootKey) return static_cast<LONG>(kErrorInvalidParameter);
-  std::shared_ptr<Hive> replacement;
-  code = Hive::Open(newFile, false, false, true, 0, replacement);
-  if (code != 0) return code;
-  std::shared_ptr<Hive> backup;
-  struct stat info;
-  if (::stat(oldFile.c_str(), &info) == 0) return static_cast<LONG>(kErrorAlreadyExists);
-  code = Hive::Open(oldFile, true, true, true, ::geteuid(), backup);
-  if (code == 0) code = backup->ReplaceTree(kHiveRootKey, *handle.hive, kHiveRootKey);
-  if (code == 0) code = handle.hive->ReplaceTree(kHiveRootKey, *replacement, kHiveRootKey);
-  return code;
+  return ScheduleHiveReplace(*handle.hive, newFile, oldFile);
 }
 
 }  // namespace DE::detail::linux_impl

@@ -6,6 +6,9 @@
 //   machine.hive          HKEY_LOCAL_MACHINE; mode 0644, writable by its owner (root) only
 //   users/<SID>.hive      HKEY_USERS\<SID>; mode 0600, owned by the user of S-1-22-1-<uid>
 //                         (users/ is 01777: each user adds its own hive; one a stranger owns is refused)
+//   users/<name>.hive     a hive loaded as HKEY_USERS\<name>: a link to its file
+//   machine/<name>.hive   a hive loaded as HKEY_LOCAL_MACHINE\<name>: a link to its file
+//   <hive>.replace        a replacement waiting for the next start of the system
 // HKEY_CURRENT_USER is HKEY_USERS\S-1-22-1-<euid>. HKEY_CLASSES_ROOT is the machine's
 // SOFTWARE\Classes and HKEY_CURRENT_CONFIG the machine's
 // SYSTEM\CurrentControlSet\Hardware Profiles\Current (the keys Windows links them to; the
@@ -45,11 +48,12 @@ LONG StoreConnect(const std::u16string& machine, HKEY root, HKEY* result);
 // Hive files: databases of this store's own format, made by StoreSaveKey.
 LONG StoreSaveKey(HKEY key, const std::string& file);
 LONG StoreRestoreKey(HKEY key, const std::string& file);
-// HKEY_USERS\<subKey> served from file until unloaded (HKEY_USERS only).
+// HKEY_USERS\<subKey> or HKEY_LOCAL_MACHINE\<subKey> served from file until unloaded (see
+// registry_mounts.h); a name already in use gives ERROR_ALREADY_EXISTS.
 LONG StoreLoadKey(HKEY root, const std::u16string& subKey, const std::string& file);
 LONG StoreUnLoadKey(HKEY root, const std::u16string& subKey);
-// Saves the hive that subKey roots to oldFile and replaces its contents by newFile's, at once
-// (Windows waits for the next start).
+// Saves the hive that subKey roots to oldFile now; its contents become newFile's at the next
+// start of the system (see registry_replace.h).
 LONG StoreReplaceKey(HKEY base, const std::u16string& subKey, const std::string& newFile,
                      const std::string& oldFile);
 

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
@@ -156,6 +157,91 @@ TEST(RegistryStore, DamagedAndForeignFilesGiveBadDb) {
   Registry performance;
   EXPECT_FALSE(performance.OpenKey(HKEY_PERFORMANCE_DATA, L"Counters", false));
   EXPECT_EQ(6, performance.GetLastError());
+}
+
+// Creates (or with a third argument deletes) HKEY_LOCAL_MACHINE\<args[1]>.
+TEST_CHILD_MAIN(reg_key) {
+  setenv("UTIL_REGISTRY_DIR", args.at(0).c_str(), 1);
+  const std::wstring path(args.at(1).begin(), args.at(1).end());
+  Registry registry;
+  registry.SetRootKey(HKEY_LOCAL_MACHINE);
+  return (args.size() > 2 ? registry.DeleteKey(path) : registry.CreateKey(path)) ? 0 : 1;
+}
+
+// The listing an open key gives follows what other processes and this one change in between.
+TEST(RegistryStore, EnumerationFollowsChangesFromEveryProcess) {
+  StoreFolder store;
+  Registry registry;
+  ASSERT_TRUE(registry.OpenKey(HKEY_LOCAL_MACHINE, L"Software\\Enum", true));
+  ASSERT_TRUE(registry.CreateKey(L"A"));
+  ASSERT_TRUE(registry.CreateKey(L"C"));
+  std::vector<std::wstring> names;
+  ASSERT_TRUE(registry.GetKeyNames(names));
+  EXPECT_EQ((std::vector<std::wstring>{L"A", L"C"}), names);
+  ASSERT_EQ(0, test::RunSelf({"reg_key", store.path, "Software\\Enum\\B"}, 60000));
+  ASSERT_TRUE(registry.GetKeyNames(names));
+  EXPECT_EQ((std::vector<std::wstring>{L"A", L"B", L"C"}), names);
+  ASSERT_TRUE(Registry::DelKey(HKEY_LOCAL_MACHINE, L"Software\\Enum\\A", KEY_ALL_ACCESS));
+  ASSERT_TRUE(registry.GetKeyNames(names));
+  EXPECT_EQ((std::vector<std::wstring>{L"B", L"C"}), names);
+  ASSERT_EQ(0, test::RunSelf({"reg_key", store.path, "Software\\Enum", "delete"}, 60000));
+  EXPECT_FALSE(registry.GetKeyNames(names));
+  EXPECT_TRUE(names.empty());
+}
+
+// Reads (or with a third argument writes) the number "v" of HKEY_USERS\<args[1]>\Software; the
+// number read is the exit code, 100 on failure.
+TEST_CHILD_MAIN(reg_value) {
+  setenv("UTIL_REGISTRY_DIR", args.at(0).c_str(), 1);
+  const std::wstring path = std::wstring(args.at(1).begin(), args.at(1).end()) + L"\\Software";
+  if (args.size() > 2)
+    return Registry::SetValue(HKEY_USERS, path, L"v", std::stoi(args[2]), KEY_ALL_ACCESS) ? 0 : 100;
+  int value = 0;
+  return Registry::GetValue(HKEY_USERS, path, L"v", value, KEY_READ) ? value : 100;
+}
+
+// A replaced hive keeps its keys until the system restarts (a new boot id below UTIL_SYSROOT),
+// then the first process to open it finds the new file's keys, once; the old file has the keys
+// of the moment of the call.
+TEST(RegistryStore, ReplacedHiveChangesAtTheNextBoot) {
+  if (::geteuid() != 0) GTEST_SKIP() << "replacing a hive needs root";
+  StoreFolder store;
+  const test::TempDir sysroot;
+  const std::string bootId = (sysroot.Path() / "proc/sys/kernel/random/boot_id").string();
+  std::filesystem::create_directories(sysroot.Path() / "proc/sys/kernel/random");
+  ASSERT_TRUE(test::WriteFileBytes(bootId, "boot-a\n"));
+  setenv("UTIL_SYSROOT", sysroot.Path().c_str(), 1);
+  const std::string sid = "S-1-5-21-7";
+  const std::string newFile = store.temp.File("new.hiv").string();
+  const std::string oldFile = store.temp.File("old.hiv").string();
+  ASSERT_EQ(0, test::RunSelf({"reg_value", store.path, sid, "1"}, 60000));
+  Registry source;
+  ASSERT_TRUE(source.OpenKey(HKEY_LOCAL_MACHINE, L"Source\\Software", true));
+  ASSERT_TRUE(source.WriteInteger(L"v", 2));
+  ASSERT_TRUE(source.SaveKey(L"\\Source", std::wstring(newFile.begin(), newFile.end())));
+
+  Registry users;
+  users.SetRootKey(HKEY_USERS);
+  const std::wstring hive(sid.begin(), sid.end());
+  ASSERT_TRUE(users.ReplaceKey(L"\\" + hive, std::wstring(newFile.begin(), newFile.end()),
+                               std::wstring(oldFile.begin(), oldFile.end())));
+  EXPECT_FALSE(users.ReplaceKey(L"\\" + hive, std::wstring(newFile.begin(), newFile.end()),
+                                std::wstring(oldFile.begin(), oldFile.end())));
+  EXPECT_EQ(183, users.GetLastError());
+  EXPECT_FALSE(users.ReplaceKey(L"\\" + hive + L"\\Software", std::wstring(newFile.begin(), newFile.end()),
+                                std::wstring(oldFile.begin(), oldFile.end()) + L"2"));  // not a hive's root
+  EXPECT_EQ(1, test::RunSelf({"reg_value", store.path, sid}, 60000));  // same boot: unchanged
+
+  ASSERT_TRUE(test::WriteFileBytes(bootId, "boot-b\n"));
+  EXPECT_EQ(2, test::RunSelf({"reg_value", store.path, sid}, 60000));
+  EXPECT_EQ(0, test::RunSelf({"reg_value", store.path, sid, "3"}, 60000));
+  EXPECT_EQ(3, test::RunSelf({"reg_value", store.path, sid}, 60000));  // carried out once only
+  EXPECT_TRUE(users.LoadKey(L"Old", std::wstring(oldFile.begin(), oldFile.end())));
+  int old = 0;
+  EXPECT_TRUE(Registry::GetValue(HKEY_USERS, L"Old\\Software", L"v", old, KEY_READ));
+  EXPECT_EQ(1, old);
+  EXPECT_TRUE(users.UnLoadKey(L"Old"));
+  unsetenv("UTIL_SYSROOT");
 }
 
 }  // namespace
