@@ -10,6 +10,7 @@
 #include <chrono>
 
 #include "platform/linux/registry_error.h"
+#include "platform/linux/system_calls.h"
 
 namespace DE::detail::linux_impl {
 
@@ -32,11 +33,11 @@ using Statement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
 // may have to set the file up, shared for a reader.
 class OpenLock {
  public:
-  OpenLock(const std::string& file, bool exclusive) : fd_(::open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (fd_ >= 0) ::flock(fd_, exclusive ? LOCK_EX : LOCK_SH);
+  OpenLock(const std::string& file, bool exclusive) : fd_(Sys().open(file.c_str(), O_RDONLY | O_CLOEXEC, 0)) {
+    if (fd_ >= 0) Sys().flock(fd_, exclusive ? LOCK_EX : LOCK_SH);
   }
   ~OpenLock() {
-    if (fd_ >= 0) ::close(fd_);
+    if (fd_ >= 0) Sys().close(fd_);
   }
   OpenLock(const OpenLock&) = delete;
   OpenLock& operator=(const OpenLock&) = delete;
@@ -128,22 +129,22 @@ Hive::~Hive() {
 LONG Hive::Open(const std::string& file, bool create, bool writable, bool isPrivate, uid_t owner,
                 std::shared_ptr<Hive>& out) {
   struct stat info;
-  const bool exists = ::stat(file.c_str(), &info) == 0;
+  const bool exists = Sys().stat(file.c_str(), &info) == 0;
   if (!exists && (!create || !writable)) return static_cast<LONG>(kErrorFileNotFound);
   if (exists && !S_ISREG(info.st_mode)) return kRegErrorBadDb;
   if (!exists) {
     // Create the file with its final mode first, so no other user ever sees it wider.
-    const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0644);
+    const int fd = Sys().open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0644);
     if (fd < 0 && errno != EEXIST) return static_cast<LONG>(Win32ErrorFromErrno(errno));
     if (fd >= 0) {
-      ::fchmod(fd, isPrivate ? 0600 : 0644);
+      Sys().fchmod(fd, isPrivate ? 0600 : 0644);
       if (::geteuid() == 0 && owner != 0) {
-        if (::fchown(fd, owner, static_cast<gid_t>(-1)) != 0) {
-          ::close(fd);
+        if (Sys().fchown(fd, owner, static_cast<gid_t>(-1)) != 0) {
+          Sys().close(fd);
           return static_cast<LONG>(LastWin32ErrorFromErrno());
         }
       }
-      ::close(fd);
+      Sys().close(fd);
     }
   }
   // Processes opening one hive at the same time take turns until its journal mode and tables

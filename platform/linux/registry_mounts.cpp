@@ -11,6 +11,7 @@
 
 #include "platform/linux/registry_error.h"
 #include "platform/linux/registry_hive.h"
+#include "platform/linux/system_calls.h"
 
 namespace DE::detail::linux_impl {
 
@@ -87,7 +88,7 @@ std::string FindMountedHive(const std::string& folder, const std::u16string& nam
   // The name as written is the common case and costs one lookup; another spelling needs a scan.
   const std::string exact = folder + "/" + HiveFileStem(name) + kSuffix;
   struct stat info;
-  if (::lstat(exact.c_str(), &info) == 0) return exact;
+  if (Sys().lstat(exact.c_str(), &info) == 0) return exact;
   const std::string folded = FoldName(name);
   for (const std::string& stem : HiveStems(folder)) {
     std::u16string candidate;
@@ -112,10 +113,10 @@ LONG MountHive(const std::string& folder, const std::u16string& name, const std:
   if (!FindMountedHive(folder, name).empty()) return static_cast<LONG>(kErrorAlreadyExists);
   char absolute[PATH_MAX];
   if (::realpath(file.c_str(), absolute) == nullptr) return static_cast<LONG>(LastWin32ErrorFromErrno());
-  if (::mkdir(folder.c_str(), 0755) != 0 && errno != EEXIST)
+  if (Sys().mkdir(folder.c_str(), 0755) != 0 && errno != EEXIST)
     return static_cast<LONG>(LastWin32ErrorFromErrno());
   const std::string link = folder + "/" + HiveFileStem(name) + kSuffix;
-  if (::symlink(absolute, link.c_str()) != 0) {
+  if (Sys().symlink(absolute, link.c_str()) != 0) {
     return static_cast<LONG>(errno == EEXIST ? kErrorAlreadyExists : LastWin32ErrorFromErrno());
   }
   return 0;
@@ -125,9 +126,9 @@ LONG UnmountHive(const std::string& folder, const std::u16string& name, std::str
   link = FindMountedHive(folder, name);
   if (link.empty()) return static_cast<LONG>(kErrorFileNotFound);
   struct stat info;
-  if (::lstat(link.c_str(), &info) != 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
+  if (Sys().lstat(link.c_str(), &info) != 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
   if (!S_ISLNK(info.st_mode)) return static_cast<LONG>(kErrorAccessDenied);
-  return ::unlink(link.c_str()) == 0 ? 0 : static_cast<LONG>(LastWin32ErrorFromErrno());
+  return Sys().unlink(link.c_str()) == 0 ? 0 : static_cast<LONG>(LastWin32ErrorFromErrno());
 }
 
 }  // namespace DE::detail::linux_impl

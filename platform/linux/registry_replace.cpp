@@ -12,6 +12,7 @@
 
 #include "PxsLog.h"
 #include "platform/linux/registry_error.h"
+#include "platform/linux/system_calls.h"
 #include "platform/linux/system_root.h"
 
 namespace DE::detail::linux_impl {
@@ -30,7 +31,7 @@ std::string BootId() {
 struct Descriptor {
   explicit Descriptor(int value) : fd(value) {}
   ~Descriptor() {
-    if (fd >= 0) ::close(fd);
+    if (fd >= 0) Sys().close(fd);
   }
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
@@ -40,7 +41,7 @@ struct Descriptor {
 bool WriteAll(int fd, const std::string& text) {
   size_t done = 0;
   while (done < text.size()) {
-    const ssize_t written = ::write(fd, text.data() + done, text.size() - done);
+    const ssize_t written = Sys().write(fd, text.data() + done, text.size() - done);
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) return false;
     done += static_cast<size_t>(written);
@@ -52,16 +53,16 @@ bool WriteAll(int fd, const std::string& text) {
 // write the hive may also remove the request once it is carried out.
 LONG WriteRequest(const std::string& hiveFile, const std::string& bootId, const std::string& newFile) {
   struct stat hive;
-  if (::stat(hiveFile.c_str(), &hive) != 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
+  if (Sys().stat(hiveFile.c_str(), &hive) != 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
   const std::string request = RequestFile(hiveFile);
   const std::string temporary = request + ".new";
-  Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  Descriptor file(Sys().open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
   if (file.fd < 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
   const bool written = WriteAll(file.fd, bootId + "\n" + newFile + "\n") &&
-                       ::fchown(file.fd, hive.st_uid, hive.st_gid) == 0 && ::fsync(file.fd) == 0;
-  if (!written || ::rename(temporary.c_str(), request.c_str()) != 0) {
+                       Sys().fchown(file.fd, hive.st_uid, hive.st_gid) == 0 && Sys().fsync(file.fd) == 0;
+  if (!written || Sys().rename(temporary.c_str(), request.c_str()) != 0) {
     const LONG code = static_cast<LONG>(LastWin32ErrorFromErrno());
-    ::unlink(temporary.c_str());
+    Sys().unlink(temporary.c_str());
     return code;
   }
   return 0;
@@ -88,29 +89,28 @@ LONG ScheduleHiveReplace(Hive& hive, const std::string& newFile, const std::stri
   char absolute[PATH_MAX];
   if (::realpath(newFile.c_str(), absolute) == nullptr) return static_cast<LONG>(LastWin32ErrorFromErrno());
   struct stat existing;
-  if (::stat(oldFile.c_str(), &existing) == 0) return static_cast<LONG>(kErrorAlreadyExists);
+  if (Sys().stat(oldFile.c_str(), &existing) == 0) return static_cast<LONG>(kErrorAlreadyExists);
   std::shared_ptr<Hive> backup;
   code = Hive::Open(oldFile, true, true, true, ::geteuid(), backup);
   if (code == 0) code = backup->ReplaceTree(kHiveRootKey, hive, kHiveRootKey);
-  if (code != 0) {
-    ::unlink(oldFile.c_str());
-    return code;
-  }
-  return WriteRequest(hive.File(), BootId(), absolute);
+  if (code == 0) code = WriteRequest(hive.File(), BootId(), absolute);
+  // Nothing of a failed call stays behind.
+  if (code != 0) Sys().unlink(oldFile.c_str());
+  return code;
 }
 
 void ApplyPendingHiveReplace(const std::string& hiveFile) {
   const std::string request = RequestFile(hiveFile);
   // Only a process that may write the hive carries the request out; the others read the hive
   // as it stands until one does.
-  Descriptor file(::open(request.c_str(), O_RDWR | O_CLOEXEC));
+  Descriptor file(Sys().open(request.c_str(), O_RDWR | O_CLOEXEC, 0));
   if (file.fd < 0) return;
   // Processes starting together take turns; the first one carries the request out and removes
   // it, the others find it gone once they hold the lock.
-  if (::flock(file.fd, LOCK_EX) != 0) return;
+  if (Sys().flock(file.fd, LOCK_EX) != 0) return;
   struct stat opened;
   struct stat current;
-  if (::fstat(file.fd, &opened) != 0 || ::stat(request.c_str(), &current) != 0 ||
+  if (Sys().fstat(file.fd, &opened) != 0 || Sys().stat(request.c_str(), &current) != 0 ||
       opened.st_ino != current.st_ino) {
     return;
   }
@@ -123,7 +123,7 @@ void ApplyPendingHiveReplace(const std::string& hiveFile) {
   std::string newFile = end == std::string::npos ? std::string() : text.substr(end + 1);
   if (!newFile.empty() && newFile.back() == '\n') newFile.pop_back();
   CarryOut(hiveFile, newFile);
-  ::unlink(request.c_str());
+  Sys().unlink(request.c_str());
 }
 
 }  // namespace DE::detail::linux_impl

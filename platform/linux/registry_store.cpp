@@ -18,6 +18,7 @@
 #include "platform/linux/registry_error.h"
 #include "platform/linux/registry_mounts.h"
 #include "platform/linux/registry_replace.h"
+#include "platform/linux/system_calls.h"
 
 namespace DE::detail::linux_impl {
 
@@ -63,22 +64,22 @@ std::string Narrow(const std::u16string& text) {
 }
 
 bool EnsureDirectory(const std::string& path, mode_t mode) {
-  if (::mkdir(path.c_str(), mode) == 0 || errno == EEXIST) return true;
+  if (Sys().mkdir(path.c_str(), mode) == 0 || errno == EEXIST) return true;
   const size_t slash = path.find_last_of('/');
   if (slash == std::string::npos || slash == 0) return false;
   return EnsureDirectory(path.substr(0, slash), mode) &&
-         (::mkdir(path.c_str(), mode) == 0 || errno == EEXIST);
+         (Sys().mkdir(path.c_str(), mode) == 0 || errno == EEXIST);
 }
 
 bool CanWrite(const std::string& file) {
-  if (::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) == 0) return true;
+  if (Sys().faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) == 0) return true;
   // A file still to be made: the nearest folder that exists decides.
   std::string folder = file;
   while (errno == ENOENT) {
     const size_t slash = folder.find_last_of('/');
     if (slash == std::string::npos || slash == 0) return false;
     folder.resize(slash);
-    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0) return true;
+    if (Sys().faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0) return true;
   }
   return false;
 }
@@ -112,7 +113,7 @@ LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, 
   auto found = HiveCache().find(file);
   if (found != HiveCache().end()) {
     struct stat info;
-    if (::stat(file.c_str(), &info) == 0) {
+    if (Sys().stat(file.c_str(), &info) == 0) {
       hive = found->second;
       return 0;
     }
@@ -124,7 +125,7 @@ LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, 
     if (folder == UsersFolder()) {
       EnsureDirectory(StoreDirectory(), 0755);
       // Like /tmp: every user may add its own hive, none may remove another's.
-      if (::mkdir(folder.c_str(), 01777) == 0) ::chmod(folder.c_str(), 01777);
+      if (Sys().mkdir(folder.c_str(), 01777) == 0) Sys().chmod(folder.c_str(), 01777);
     } else {
       EnsureDirectory(folder, 0755);
     }
@@ -133,7 +134,7 @@ LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, 
   // is refused.
   const std::string base = file.substr(file.find_last_of('/') + 1);
   struct stat existing;
-  if (base.compare(0, 9, "S-1-22-1-") == 0 && ::stat(file.c_str(), &existing) == 0) {
+  if (base.compare(0, 9, "S-1-22-1-") == 0 && Sys().stat(file.c_str(), &existing) == 0) {
     const uid_t expected = OwnerOfSid(base.substr(0, base.size() - 5));
     if (existing.st_uid != expected && existing.st_uid != 0) return static_cast<LONG>(kErrorAccessDenied);
   }
@@ -513,12 +514,12 @@ LONG StoreSaveKey(HKEY key, const std::string& file) {
   if (code == 0) code = NeedRight(handle, KEY_QUERY_VALUE);
   if (code != 0) return code;
   struct stat info;
-  if (::stat(file.c_str(), &info) == 0) return static_cast<LONG>(kErrorAlreadyExists);
+  if (Sys().stat(file.c_str(), &info) == 0) return static_cast<LONG>(kErrorAlreadyExists);
   std::shared_ptr<Hive> target;
   code = Hive::Open(file, true, true, true, ::geteuid(), target);
   if (code != 0) return code;
   code = target->ReplaceTree(kHiveRootKey, *handle.hive, handle.id);
-  if (code != 0) ::unlink(file.c_str());
+  if (code != 0) Sys().unlink(file.c_str());
   return code;
 }
 

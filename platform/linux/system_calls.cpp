@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+#include <cstdio>
 
 #include "foundation/last_error.h"
 
@@ -25,6 +26,7 @@ SystemCalls systemCalls = {
     &::write,      // write
     &::lseek,      // lseek
     &::ftruncate,  // ftruncate
+    &::fsync,      // fsync
     &::fstat,      // fstat
     &ControlFile,  // fcntl
     &::flock,      // flock
@@ -34,10 +36,13 @@ SystemCalls systemCalls = {
     &::stat,       // stat
     &::lstat,      // lstat
     &::access,     // access
+    &::faccessat,  // faccessat
     &::mkdir,      // mkdir
     &::chmod,      // chmod
     &::unlink,     // unlink
+    &::rename,     // rename
     &::linkat,     // linkat
+    &::symlink,    // symlink
     &::shm_open,   // shm_open
     &::mmap,       // mmap
     &::munmap,     // munmap

@@ -56,6 +56,7 @@ struct SystemCalls {
   ssize_t (*write)(int fd, const void* buffer, std::size_t count);
   off_t (*lseek)(int fd, off_t offset, int whence);
   int (*ftruncate)(int fd, off_t length);
+  int (*fsync)(int fd);
   int (*fstat)(int fd, struct stat* info);
   int (*fcntl)(int fd, int command, void* argument);
   int (*flock)(int fd, int operation);
@@ -66,10 +67,13 @@ struct SystemCalls {
   int (*stat)(const char* path, struct stat* info);
   int (*lstat)(const char* path, struct stat* info);
   int (*access)(const char* path, int mode);
+  int (*faccessat)(int folder, const char* path, int mode, int flags);
   int (*mkdir)(const char* path, mode_t mode);
   int (*chmod)(const char* path, mode_t mode);
   int (*unlink)(const char* path);
+  int (*rename)(const char* from, const char* to);
   int (*linkat)(int fromFolder, const char* from, int toFolder, const char* to, int flags);
+  int (*symlink)(const char* target, const char* link);
   // Shared memory.
   int (*shm_open)(const char* name, int flags, mode_t mode);
   void* (*mmap)(void* address, std::size_t length, int protection, int flags, int fd, off_t offset);

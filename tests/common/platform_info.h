@@ -17,4 +17,8 @@ constexpr bool IsWindowsBuild() {
 // True for the Windows build running under Wine, whose gaps some tests skip with the reason.
 bool RunningUnderWine();
 
+// The number of open descriptors of this process (entries of /proc/self/fd); -1 on Windows.
+// The same before and after an operation that leaks none.
+int OpenDescriptors();
+
 }  // namespace test

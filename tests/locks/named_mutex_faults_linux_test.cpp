@@ -12,6 +12,7 @@
 
 #include "DELock.h"
 #include "common/log_capture.h"
+#include "common/platform_info.h"
 #include "lock_test_util.h"
 #include "platform/linux/system_calls.h"
 
@@ -23,12 +24,6 @@ using DE::detail::linux_impl::SystemCalls;
 using locktest::ScopedMutexName;
 
 DWORD LastError() { return DE::detail::linux_impl::SystemCallTestHooks().lastError(); }
-
-int OpenDescriptors() {
-  int count = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) ++count;
-  return count;
-}
 
 // Mappings of shared-memory files in this process (named objects and unnamed ones being built).
 int SharedMappings() {
@@ -83,14 +78,14 @@ TEST(NamedMutexFaults, EachFailingStepCleansUp) {
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
     ScopedMutexName name("faults");
-    const int descriptors = OpenDescriptors();
+    const int descriptors = test::OpenDescriptors();
     const int mappings = SharedMappings();
     const Outcome outcome = c.create(name.wide, c.nth, c.error, c.times);
     EXPECT_EQ(c.expected, outcome.error);
     EXPECT_GE(outcome.calls, c.nth) << "the fault was not reached";
     EXPECT_EQ(0, outcome.taken);
     EXPECT_EQ(c.published ? 1u : 0u, locktest::MutexObjects(name.utf8).size());
-    EXPECT_EQ(descriptors, OpenDescriptors());
+    EXPECT_EQ(descriptors, test::OpenDescriptors());
     EXPECT_EQ(mappings, SharedMappings());
 
     // Without the fault the name works: a published object is opened, anything else created.

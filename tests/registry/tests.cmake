@@ -1,5 +1,11 @@
 # The registry suite, and (Linux build) the .reg interchange with the Windows build under Wine.
 util_add_gtest(registry registry_test)
+if(NOT WIN32)
+  # The Linux fault tests reach the substitutes' system-call table and SQLite's own.
+  find_package(SQLite3 REQUIRED)
+  target_include_directories(registry_test PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(registry_test PRIVATE SQLite::SQLite3)
+endif()
 if(NOT CMAKE_CROSSCOMPILING AND TARGET utl)
   set(UTIL_WINDOWS_BUILD_DIR "" CACHE PATH "A Windows build folder whose utl.exe the cross-build checks compare against")
   find_package(Python3 COMPONENTS Interpreter REQUIRED)

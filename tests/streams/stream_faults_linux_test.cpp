@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "DEStream.h"
+#include "common/platform_info.h"
 #include "common/temp_dir.h"
 #include "platform/linux/system_calls.h"
 
@@ -21,13 +22,6 @@ using DE::detail::linux_impl::kForever;
 using DE::detail::linux_impl::SystemCalls;
 
 DWORD LastError() { return DE::detail::linux_impl::SystemCallTestHooks().lastError(); }
-
-// Entries of /proc/self/fd: the same before and after an operation that leaks no descriptor.
-int OpenDescriptors() {
-  int count = 0;
-  for ([[maybe_unused]] const auto& entry : fs::directory_iterator("/proc/self/fd")) ++count;
-  return count;
-}
 
 TEST(StreamFaults, FailedTransfersKeepTheData) {
   test::TempDir dir;
@@ -112,12 +106,12 @@ TEST(StreamFaults, FailedOpenClosesWhatItOpened) {
       // Create-always truncates last; a failed truncation leaves the file as it was.
       {"truncation of create-always", &OpenWithFault<&SystemCalls::ftruncate>, 0xFFFF, 1, EROFS, 1, 19},
   };
-  const int before = OpenDescriptors();
+  const int before = test::OpenDescriptors();
   for (const auto& c : kCases) {
     const auto [code, calls] = c.open(path, c.mode, c.nth, c.error, c.times);
     EXPECT_EQ(c.expected, code) << c.what;
     EXPECT_GE(calls, c.nth) << c.what << ": the fault was not reached";
-    EXPECT_EQ(before, OpenDescriptors()) << c.what;
+    EXPECT_EQ(before, test::OpenDescriptors()) << c.what;
     EXPECT_EQ("keep me", test::ReadFileBytes(path)) << c.what;
   }
 }
