@@ -12,6 +12,7 @@
 #   tinyxml2   -ltinyxml2                    (CMake: find_package(tinyxml2 CONFIG), tinyxml2::tinyxml2)
 #   GoogleTest -lgmock_main -lgmock -lgtest  (CMake: find_package(GTest CONFIG), GTest::gmock_main...)
 #   nlohmann   header-only                   (CMake: find_package(nlohmann_json CONFIG))
+#   benchmark  -lbenchmark -lshlwapi         (CMake: find_package(benchmark CONFIG), benchmark::benchmark)
 # bcrypt is for libcurl only. libcrypto.pc also lists gdi32, but nothing here imports from it.
 set -euo pipefail
 shopt -s inherit_errexit
@@ -51,6 +52,10 @@ tinyxml2_opts=(-Dtinyxml2_BUILD_TESTING=OFF)
 # gtest uses Win32 threading primitives on Windows anyway; this keeps pthread out of its targets.
 googletest_opts=(-DBUILD_GMOCK=ON -DINSTALL_GTEST=ON -Dgtest_disable_pthreads=ON)
 nlohmann_opts=(-DJSON_BuildTests=OFF -DJSON_Install=ON -DJSON_MultipleHeaders=ON)
+# Google Benchmark for the Windows benchmark programs: the library only (its tests would download
+# a bundled GoogleTest); no -Werror, as Debian builds it, so a new compiler warning cannot stop us.
+benchmark_opts=(-DBENCHMARK_ENABLE_TESTING=OFF -DBENCHMARK_ENABLE_GTEST_TESTS=OFF
+  -DBENCHMARK_ENABLE_WERROR=OFF -DBENCHMARK_INSTALL_DOCS=OFF)
 
 "$repo_dir/scripts/install-packages.sh" windows
 
@@ -137,6 +142,14 @@ build_googletest() {
   cmake --install build
 }
 
+build_benchmark() {
+  cd "$1"
+  # Debian's patch stops it reading git tags, so the version comes from the folder (benchmark-1.7.1).
+  cmake -S . -B build "${cmake_opts[@]}" "${benchmark_opts[@]}" "-DGIT_VERSION=${1##*-}"
+  cmake --build build -j "$jobs"
+  cmake --install build
+}
+
 build_nlohmann-json3() {
   cd "$1"
   # Header-only: configure and install include/nlohmann plus the CMake package files.
@@ -157,6 +170,7 @@ stamp_key() { # pkg newest-known-version
     tinyxml2) opts="$cmake_key ${tinyxml2_opts[*]}" ;;
     googletest) opts="$cmake_key ${googletest_opts[*]}" ;;
     nlohmann-json3) opts="$cmake_key ${nlohmann_opts[*]}" ;;
+    benchmark) opts="$cmake_key ${benchmark_opts[*]}" ;;
   esac
   printf '%s newest=%s\ntoolchain %s\n%s\n' "$1" "$2" "$toolchain_id" "$opts"
 }
@@ -203,7 +217,7 @@ build_package() { # pkg
 
 mkdir -p "$work_dir" "$prefix"
 ensure_deb_src
-for pkg in openssl curl tinyxml2 googletest nlohmann-json3; do
+for pkg in openssl curl tinyxml2 googletest nlohmann-json3 benchmark; do
   build_package "$pkg"
 done
 echo "Windows dependencies: $prefix"
