@@ -107,6 +107,12 @@ std::string MachineHiveFile() { return StoreDirectory() + "/machine.hive"; }
 // Hives loaded below HKEY_LOCAL_MACHINE.
 std::string MachineMountFolder() { return StoreDirectory() + "/machine"; }
 
+// Like /tmp: every user may add its own hive, none may remove another's.
+void EnsureUsersFolder() {
+  EnsureDirectory(StoreDirectory(), 0755);
+  if (Sys().mkdir(UsersFolder().c_str(), 01777) == 0) Sys().chmod(UsersFolder().c_str(), 01777);
+}
+
 // The hive behind a file, opened once per process. create makes a missing file when allowed.
 LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, std::shared_ptr<Hive>& hive) {
   std::lock_guard<std::mutex> lock(StoreMutex());
@@ -123,9 +129,7 @@ LONG GetHive(const std::string& file, bool create, bool isPrivate, uid_t owner, 
   if (create && writable) {
     const std::string folder = file.substr(0, file.find_last_of('/'));
     if (folder == UsersFolder()) {
-      EnsureDirectory(StoreDirectory(), 0755);
-      // Like /tmp: every user may add its own hive, none may remove another's.
-      if (Sys().mkdir(folder.c_str(), 01777) == 0) Sys().chmod(folder.c_str(), 01777);
+      EnsureUsersFolder();
     } else {
       EnsureDirectory(folder, 0755);
     }
@@ -545,7 +549,7 @@ LONG StoreLoadKey(HKEY root, const std::u16string& subKey, const std::string& fi
   LONG code = Hive::Open(file, false, false, true, 0, check);
   if (code != 0) return code;
   if (root == HKEY_USERS) {
-    EnsureDirectory(UsersFolder(), 0755);
+    EnsureUsersFolder();
     return MountHive(UsersFolder(), subKey, file);
   }
   // A loaded hive does not hide a key of the machine hive.

@@ -7,8 +7,10 @@ import binascii
 import os
 import random
 import shutil
+import sqlite3
 import subprocess
 import sys
+import tempfile
 import unittest
 from pathlib import Path
 
@@ -98,6 +100,31 @@ class ToolAgainstPython(unittest.TestCase):
             self.assertEqual(result.returncode, 2, args)
             self.assertIn(b"usage", result.stderr, args)
         self.assertEqual(utl(["hex", "decode", "abc"], ok=False).returncode, 1)
+
+
+class HiveFilesAgainstSqlite(unittest.TestCase):
+    """reg save writes an SQLite database Python's sqlite3 reads (names and data as UTF-16LE
+    blobs); reg load serves it as a key, reg unload takes it away."""
+
+    def test_save_load_unload(self):
+        if os.geteuid() != 0:
+            self.skipTest("loading a hive needs root")
+        with tempfile.TemporaryDirectory() as folder:
+            env = dict(os.environ, UTIL_REGISTRY_DIR=os.path.join(folder, "store"))
+            hive = os.path.join(folder, "saved.hiv")
+            run([ARGS.utl, "reg", "add", "HKLM\\Software\\Demo\\Sub", "/v", "Gr\u00fc\u00dfe", "/t", "REG_DWORD",
+                 "/d", "0x01020304"], env=env)
+            run([ARGS.utl, "reg", "save", "HKLM\\Software\\Demo", hive], env=env)
+            self.assertEqual(1, run([ARGS.utl, "reg", "save", "HKLM\\Software\\Demo", hive], env=env, ok=False).returncode)
+            with sqlite3.connect(hive) as db:
+                rows = db.execute("SELECT k.name, v.name, v.type, v.data FROM vals v JOIN keys k ON k.id = v.key").fetchall()
+            self.assertEqual([("Sub".encode("utf-16-le"), "Gr\u00fc\u00dfe".encode("utf-16-le"), 4,
+                               bytes([4, 3, 2, 1]))], [tuple(bytes(c) if isinstance(c, bytes) else c for c in r) for r in rows])
+            run([ARGS.utl, "reg", "load", "HKLM\\Offline", hive], env=env)
+            text = run([ARGS.utl, "reg", "query", "hklm\\offline\\sub"], env=env).stdout.decode("utf-8")
+            self.assertIn('"Gr\u00fc\u00dfe"=dword:01020304', text)
+            run([ARGS.utl, "reg", "unload", "HKLM\\Offline"], env=env)
+            self.assertEqual(1, run([ARGS.utl, "reg", "query", "HKLM\\Offline"], env=env, ok=False).returncode)
 
 
 class ToolAgainstWindowsBuild(unittest.TestCase):
