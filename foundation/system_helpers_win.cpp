@@ -1,5 +1,6 @@
 // Windows bindings of the process and token helpers (WOW64, Toolhelp32, tokens). Windows-only code.
 #include "DESystem.h"  // <windows.h> first: tlhelp32.h builds on it
+#include "foundation/kernel_handle_win.h"
 #include "foundation/system_helpers_binding.h"
 
 #include <tlhelp32.h>
@@ -7,20 +8,7 @@
 namespace DE {
 namespace {
 
-// Closes a handle at the end of a scope.
-class ScopedHandle {
- public:
-  explicit ScopedHandle(HANDLE handle) : handle_(handle) {}
-  ~ScopedHandle() {
-    if (handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE) CloseHandle(handle_);
-  }
-  ScopedHandle(const ScopedHandle&) = delete;
-  ScopedHandle& operator=(const ScopedHandle&) = delete;
-  HANDLE get() const { return handle_; }
-
- private:
-  HANDLE handle_;
-};
+using detail::KernelHandle;
 
 }  // namespace
 
@@ -35,14 +23,14 @@ bool IsWin64OS() {
 
 bool GetProcessList(std::map<DWORD, std::wstring>& processes) {
   processes.clear();
-  ScopedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  if (snapshot.get() == INVALID_HANDLE_VALUE) return false;
+  const KernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  if (!snapshot) return false;
   PROCESSENTRY32W entry = {};
   entry.dwSize = sizeof(entry);
-  if (!Process32FirstW(snapshot.get(), &entry)) return false;
+  if (!Process32FirstW(snapshot.Get(), &entry)) return false;
   do {
     processes[entry.th32ProcessID] = entry.szExeFile;
-  } while (Process32NextW(snapshot.get(), &entry));
+  } while (Process32NextW(snapshot.Get(), &entry));
   return true;
 }
 
@@ -66,7 +54,7 @@ DWORD AdjustPrivilege(const wchar_t* privilege, bool enable) {
   HANDLE token = nullptr;
   if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token))
     return GetLastError();
-  ScopedHandle tokenOwner(token);
+  const KernelHandle tokenOwner(token);
   TOKEN_PRIVILEGES privileges = {};
   privileges.PrivilegeCount = 1;
   privileges.Privileges[0].Attributes = enable ? SE_PRIVILEGE_ENABLED : 0;

@@ -17,6 +17,7 @@
 #include <new>
 #include <utility>
 
+#include "platform/linux/descriptor.h"
 #include "platform/linux/system_calls.h"
 #include "platform/linux/utf8_codec.h"
 #include "platform/linux/win32_error.h"
@@ -103,18 +104,15 @@ bool InitializeObject(int fd) {
 }
 
 // Builds the object as an unnamed file and links it under `objectName`, so nobody ever opens it
-// half-made. Returns the open file, or -1 with errno (EEXIST: another process published first).
-int PublishObject(const std::string& objectName, const ObjectSecurity* security) {
-  const int fd = Sys().open(kShmDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (fd < 0) return -1;
-  const std::string from = "/proc/self/fd/" + std::to_string(fd);
+// half-made. Returns the open file, or none with errno (EEXIST: another process published first).
+Descriptor PublishObject(const std::string& objectName, const ObjectSecurity* security) {
+  Descriptor fd(Sys().open(kShmDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+  if (!fd) return fd;
+  const std::string from = "/proc/self/fd/" + std::to_string(fd.Get());
   const std::string to = kShmDirectory + objectName;
-  if (!ApplyObjectSecurity(fd, security) || !InitializeObject(fd) ||
+  if (!ApplyObjectSecurity(fd.Get(), security) || !InitializeObject(fd.Get()) ||
       Sys().linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-    const int error = errno;
-    Sys().close(fd);
-    errno = error;
-    return -1;
+    fd.Reset();  // keeps errno
   }
   return fd;
 }
@@ -265,22 +263,21 @@ NamedMutex* OpenOrCreate(const wchar_t* name, bool create, const ObjectSecurity*
   std::string objectName;
   if (!SharedMutexObjectName(name, &objectName, error)) return nullptr;
   for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
-    int fd = Sys().shm_open(objectName.c_str(), O_RDWR, 0);
-    const bool existed = fd >= 0;
+    Descriptor fd(Sys().shm_open(objectName.c_str(), O_RDWR, 0));
+    const bool existed = fd.IsValid();
     if (!existed) {
       if (errno != ENOENT || !create) {
         *error = Win32ErrorFromErrno(errno);
         return nullptr;
       }
       fd = PublishObject(objectName, security);
-      if (fd < 0 && errno == EEXIST) continue;
-      if (fd < 0) {
+      if (!fd && errno == EEXIST) continue;
+      if (!fd) {
         *error = Win32ErrorFromErrno(errno);
         return nullptr;
       }
     }
-    NamedMutex* handle = MappingRegistry::Get().Attach(fd, error);
-    Sys().close(fd);
+    NamedMutex* handle = MappingRegistry::Get().Attach(fd.Get(), error);
     if (handle != nullptr) *error = existed ? kErrorAlreadyExists : 0;
     return handle;
   }

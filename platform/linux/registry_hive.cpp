@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 
+#include "platform/linux/descriptor.h"
 #include "platform/linux/registry_error.h"
 #include "platform/linux/system_calls.h"
 
@@ -24,26 +25,24 @@ constexpr std::int64_t kEpochDifference = 11644473600LL;
 
 // Statements come from the hive's cache (Hive::Prepare); ending a use resets the statement, which
 // ends its read and keeps it compiled for the next call.
-struct StatementCloser {
-  void operator()(sqlite3_stmt* statement) const { sqlite3_reset(statement); }
+struct StatementUseTraits {
+  using Handle = sqlite3_stmt*;
+  static sqlite3_stmt* Invalid() { return nullptr; }
+  static bool IsValid(sqlite3_stmt* statement) { return statement != nullptr; }
+  static void Close(sqlite3_stmt* statement) { sqlite3_reset(statement); }
 };
-using Statement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
+using Statement = ScopedHandle<StatementUseTraits>;
 
-// Holds an flock() on the hive file for the lifetime of the object: exclusive for a writer that
-// may have to set the file up, shared for a reader.
+// Holds an flock() on the hive file for the lifetime of the object (closing drops it): exclusive
+// for a writer that may have to set the file up, shared for a reader.
 class OpenLock {
  public:
   OpenLock(const std::string& file, bool exclusive) : fd_(Sys().open(file.c_str(), O_RDONLY | O_CLOEXEC, 0)) {
-    if (fd_ >= 0) Sys().flock(fd_, exclusive ? LOCK_EX : LOCK_SH);
+    if (fd_) Sys().flock(fd_.Get(), exclusive ? LOCK_EX : LOCK_SH);
   }
-  ~OpenLock() {
-    if (fd_ >= 0) Sys().close(fd_);
-  }
-  OpenLock(const OpenLock&) = delete;
-  OpenLock& operator=(const OpenLock&) = delete;
 
  private:
-  int fd_;
+  Descriptor fd_;
 };
 
 char16_t FoldUnit(char16_t c) {
@@ -134,17 +133,14 @@ LONG Hive::Open(const std::string& file, bool create, bool writable, bool isPriv
   if (exists && !S_ISREG(info.st_mode)) return kRegErrorBadDb;
   if (!exists) {
     // Create the file with its final mode first, so no other user ever sees it wider.
-    const int fd = Sys().open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0644);
-    if (fd < 0 && errno != EEXIST) return static_cast<LONG>(Win32ErrorFromErrno(errno));
-    if (fd >= 0) {
-      Sys().fchmod(fd, isPrivate ? 0600 : 0644);
-      if (::geteuid() == 0 && owner != 0) {
-        if (Sys().fchown(fd, owner, static_cast<gid_t>(-1)) != 0) {
-          Sys().close(fd);
-          return static_cast<LONG>(LastWin32ErrorFromErrno());
-        }
+    const Descriptor fd(
+        Sys().open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0644));
+    if (!fd && errno != EEXIST) return static_cast<LONG>(Win32ErrorFromErrno(errno));
+    if (fd) {
+      Sys().fchmod(fd.Get(), isPrivate ? 0600 : 0644);
+      if (::geteuid() == 0 && owner != 0 && Sys().fchown(fd.Get(), owner, static_cast<gid_t>(-1)) != 0) {
+        return static_cast<LONG>(LastWin32ErrorFromErrno());
       }
-      Sys().close(fd);
     }
   }
   // Processes opening one hive at the same time take turns until its journal mode and tables
@@ -429,7 +425,7 @@ LONG Hive::QueryValue(KeyId id, const std::u16string& name, DWORD& type, std::st
     return 0;
   }
   if (step != SQLITE_DONE) return Win32ErrorFromSqlite(step);
-  statement.reset();
+  statement.Reset();
   const LONG keyCode = CheckKey(id);
   return keyCode != 0 ? keyCode : static_cast<LONG>(kErrorFileNotFound);
 }
@@ -656,7 +652,7 @@ LONG Hive::ReplaceTree(KeyId to, Hive& source, KeyId from) {
       sqlite3_bind_int64(raw, 1, to);
       while (sqlite3_step(raw) == SQLITE_ROW) children.push_back(sqlite3_column_int64(raw, 0));
     }
-    statement.reset();
+    statement.Reset();
     for (KeyId child : children) {
       if (code == 0) code = DeleteTreeLocked(child, false);
     }

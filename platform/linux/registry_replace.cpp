@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "PxsLog.h"
+#include "platform/linux/descriptor.h"
 #include "platform/linux/registry_error.h"
 #include "platform/linux/system_calls.h"
 #include "platform/linux/system_root.h"
@@ -26,17 +27,6 @@ std::string BootId() {
   std::string id;
   return ReadFirstLine(UnderSystemRoot("proc/sys/kernel/random/boot_id"), id) ? id : std::string();
 }
-
-// Closes a descriptor, dropping the flock() it may hold.
-struct Descriptor {
-  explicit Descriptor(int value) : fd(value) {}
-  ~Descriptor() {
-    if (fd >= 0) Sys().close(fd);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int fd;
-};
 
 bool WriteAll(int fd, const std::string& text) {
   size_t done = 0;
@@ -56,10 +46,11 @@ LONG WriteRequest(const std::string& hiveFile, const std::string& bootId, const 
   if (Sys().stat(hiveFile.c_str(), &hive) != 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
   const std::string request = RequestFile(hiveFile);
   const std::string temporary = request + ".new";
-  Descriptor file(Sys().open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-  if (file.fd < 0) return static_cast<LONG>(LastWin32ErrorFromErrno());
-  const bool written = WriteAll(file.fd, bootId + "\n" + newFile + "\n") &&
-                       Sys().fchown(file.fd, hive.st_uid, hive.st_gid) == 0 && Sys().fsync(file.fd) == 0;
+  const Descriptor file(Sys().open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  if (!file) return static_cast<LONG>(LastWin32ErrorFromErrno());
+  const bool written = WriteAll(file.Get(), bootId + "\n" + newFile + "\n") &&
+                       Sys().fchown(file.Get(), hive.st_uid, hive.st_gid) == 0 &&
+                       Sys().fsync(file.Get()) == 0;
   if (!written || Sys().rename(temporary.c_str(), request.c_str()) != 0) {
     const LONG code = static_cast<LONG>(LastWin32ErrorFromErrno());
     Sys().unlink(temporary.c_str());
@@ -103,14 +94,15 @@ void ApplyPendingHiveReplace(const std::string& hiveFile) {
   const std::string request = RequestFile(hiveFile);
   // Only a process that may write the hive carries the request out; the others read the hive
   // as it stands until one does.
-  Descriptor file(Sys().open(request.c_str(), O_RDWR | O_CLOEXEC, 0));
-  if (file.fd < 0) return;
+  // Closing the descriptor at the end drops the flock() taken below.
+  const Descriptor file(Sys().open(request.c_str(), O_RDWR | O_CLOEXEC, 0));
+  if (!file) return;
   // Processes starting together take turns; the first one carries the request out and removes
   // it, the others find it gone once they hold the lock.
-  if (Sys().flock(file.fd, LOCK_EX) != 0) return;
+  if (Sys().flock(file.Get(), LOCK_EX) != 0) return;
   struct stat opened;
   struct stat current;
-  if (Sys().fstat(file.fd, &opened) != 0 || Sys().stat(request.c_str(), &current) != 0 ||
+  if (Sys().fstat(file.Get(), &opened) != 0 || Sys().stat(request.c_str(), &current) != 0 ||
       opened.st_ino != current.st_ino) {
     return;
   }
