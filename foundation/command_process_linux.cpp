@@ -10,9 +10,11 @@
 #include <cerrno>
 #include <chrono>
 #include <string>
+#include <utility>
 
 #include "foundation/command_process.h"
 #include "foundation/text_codec.h"
+#include "platform/linux/descriptor.h"
 
 extern char** environ;
 
@@ -63,21 +65,22 @@ bool PrepareFiles(posix_spawn_file_actions_t* actions, int outputFd) {
 }  // namespace
 
 struct CommandProcess::State {
-  pid_t pid = -1;   // -1 once reaped (or never started)
-  int output = -1;  // read end of the output pipe, non-blocking
+  pid_t pid = -1;                 // -1 once reaped (or never started)
+  linux_impl::Descriptor output;  // read end of the output pipe, non-blocking
 };
 
 CommandProcess::CommandProcess() : state_(new State) {}
 
 CommandProcess::~CommandProcess() {
   if (state_->pid > 0) Kill();
-  if (state_->output >= 0) close(state_->output);
 }
 
 bool CommandProcess::Start(const std::wstring& cmdLine, bool captureOutput) {
   std::string line = WideToUtf8(cmdLine.data(), cmdLine.size());
   int pipeFds[2] = {-1, -1};
   if (captureOutput && pipe2(pipeFds, O_CLOEXEC) != 0) return false;
+  linux_impl::Descriptor readEnd(pipeFds[0]);
+  linux_impl::Descriptor writeEnd(pipeFds[1]);
   posix_spawnattr_t attributes;
   posix_spawn_file_actions_t actions;
   const bool prepared = PrepareAttributes(&attributes);
@@ -90,31 +93,27 @@ bool CommandProcess::Start(const std::wstring& cmdLine, bool captureOutput) {
       filesPrepared && posix_spawn(&pid, "/bin/sh", &actions, &attributes, argv, environ) == 0;
   if (filesPrepared) posix_spawn_file_actions_destroy(&actions);
   if (prepared) posix_spawnattr_destroy(&attributes);
-  if (pipeFds[1] >= 0) close(pipeFds[1]);  // the command holds the only write end now
-  if (!started) {
-    if (pipeFds[0] >= 0) close(pipeFds[0]);
-    return false;
-  }
+  writeEnd.Reset();  // the command holds the only write end now
+  if (!started) return false;
   state_->pid = pid;
-  if (pipeFds[0] >= 0) {
-    fcntl(pipeFds[0], F_SETFL, fcntl(pipeFds[0], F_GETFL) | O_NONBLOCK);
-    state_->output = pipeFds[0];
+  if (readEnd) {
+    fcntl(readEnd.Get(), F_SETFL, fcntl(readEnd.Get(), F_GETFL) | O_NONBLOCK);
+    state_->output = std::move(readEnd);
   }
   return true;
 }
 
 void CommandProcess::ReadAvailable(std::string& output) {
-  while (state_->output >= 0) {
+  while (state_->output) {
     char buffer[4096];
-    const ssize_t got = read(state_->output, buffer, sizeof(buffer));
+    const ssize_t got = read(state_->output.Get(), buffer, sizeof(buffer));
     if (got > 0) {
       output.append(buffer, static_cast<std::size_t>(got));
     } else if (got < 0 && errno == EINTR) {
       continue;
     } else {
       if (got == 0 || errno != EAGAIN) {  // end of output (every writer has gone) or a broken pipe
-        close(state_->output);
-        state_->output = -1;
+        state_->output.Reset();
       }
       return;
     }
