@@ -199,6 +199,17 @@ LONG Hive::Exec(const char* sql) {
   return Win32ErrorFromSqlite(sqlite3_exec(db_, sql, nullptr, nullptr, nullptr));
 }
 
+LONG Hive::QueryNumber(const char* sql, sqlite3_int64& value) {
+  sqlite3_stmt* raw = nullptr;
+  const LONG code = Prepare(sql, &raw);
+  Statement statement(raw);
+  if (code != 0) return code;
+  const int step = sqlite3_step(raw);
+  if (step != SQLITE_ROW) return step == SQLITE_DONE ? kRegErrorBadDb : Win32ErrorFromSqlite(step);
+  value = sqlite3_column_int64(raw, 0);
+  return 0;
+}
+
 LONG Hive::Step(const char* sql) {
   sqlite3_stmt* raw = nullptr;
   const LONG code = Prepare(sql, &raw);
@@ -221,42 +232,27 @@ LONG Hive::End(LONG code) {
 
 LONG Hive::InitializeSchema() {
   std::lock_guard<std::recursive_mutex> lock(mutex_);
-  int version = -1;
-  {
-    sqlite3_stmt* raw = nullptr;
-    LONG code = Prepare("PRAGMA user_version", &raw);
-    Statement statement(raw);
-    if (code != 0) return code;
-    const int step = sqlite3_step(raw);
-    if (step != SQLITE_ROW) return Win32ErrorFromSqlite(step);
-    version = sqlite3_column_int(raw, 0);
-  }
-  if (version != 0) return 0;  // made already (or foreign: Verify says so)
-  LONG code = Begin(true);
+  sqlite3_int64 version = -1;
+  LONG code = QueryNumber("PRAGMA user_version", version);
+  if (code != 0 || version != 0) return code;  // made already (or foreign: Verify says so)
+  code = Begin(true);
   if (code != 0) return code;
-  // Tables without our version mark: another program's database, left untouched.
-  if (version == 0) {
-    sqlite3_stmt* raw = nullptr;
-    code = Prepare(
-        "SELECT count(*) FROM sqlite_master WHERE name NOT IN ('keys','vals','keys_child','vals_name',"
-        "'sqlite_sequence')",
-        &raw);
-    Statement statement(raw);
-    if (code == 0 && sqlite3_step(raw) == SQLITE_ROW && sqlite3_column_int(raw, 0) > 0) code = kRegErrorBadDb;
-    if (code == 0) {
-      sqlite3_stmt* columns = nullptr;
-      // A "keys" table of another shape is foreign too.
-      code = Prepare(
-          "SELECT count(*) FROM pragma_table_info('keys') WHERE name NOT IN"
-          " ('id','parent','name','folded','written')",
-          &columns);
-      Statement check(columns);
-      if (code == 0 && sqlite3_step(columns) == SQLITE_ROW && sqlite3_column_int(columns, 0) > 0) {
-        code = kRegErrorBadDb;
-      }
-    }
-    if (code != 0) return End(code);
+  // Tables without our version mark, or a "keys" table of another shape: another program's
+  // database, left untouched.
+  sqlite3_int64 foreignTables = 0;
+  sqlite3_int64 foreignColumns = 0;
+  code = QueryNumber(
+      "SELECT count(*) FROM sqlite_master WHERE name NOT IN ('keys','vals','keys_child','vals_name',"
+      "'sqlite_sequence')",
+      foreignTables);
+  if (code == 0) {
+    code = QueryNumber(
+        "SELECT count(*) FROM pragma_table_info('keys') WHERE name NOT IN"
+        " ('id','parent','name','folded','written')",
+        foreignColumns);
   }
+  if (code == 0 && (foreignTables > 0 || foreignColumns > 0)) code = kRegErrorBadDb;
+  if (code != 0) return End(code);
   // Another process may have made it meanwhile; the statements below tolerate that.
   code = Exec(
       "CREATE TABLE IF NOT EXISTS keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL,"
@@ -285,20 +281,14 @@ LONG Hive::InitializeSchema() {
 
 LONG Hive::Verify() {
   std::lock_guard<std::recursive_mutex> lock(mutex_);
-  int values[2] = {0, 0};
-  const char* queries[2] = {"PRAGMA application_id", "PRAGMA user_version"};
-  for (int i = 0; i < 2; ++i) {
-    sqlite3_stmt* raw = nullptr;
-    const LONG code = Prepare(queries[i], &raw);
-    Statement statement(raw);
-    if (code != 0) return code;
-    const int step = sqlite3_step(raw);
-    if (step != SQLITE_ROW) return step == SQLITE_DONE ? kRegErrorBadDb : Win32ErrorFromSqlite(step);
-    values[i] = sqlite3_column_int(raw, 0);
-  }
-  if (values[0] != kApplicationId || values[1] != kSchemaVersion) return kRegErrorBadDb;
+  sqlite3_int64 application = 0;
+  sqlite3_int64 version = 0;
+  LONG code = QueryNumber("PRAGMA application_id", application);
+  if (code == 0) code = QueryNumber("PRAGMA user_version", version);
+  if (code != 0) return code;
+  if (application != kApplicationId || version != kSchemaVersion) return kRegErrorBadDb;
   // The root key must be there and the tables readable.
-  const LONG code = CheckKey(kHiveRootKey);
+  code = CheckKey(kHiveRootKey);
   return code == kRegErrorKeyDeleted ? kRegErrorBadDb : code;
 }
 
@@ -515,10 +505,8 @@ LONG Hive::DeleteKey(KeyId parent, const std::vector<std::u16string>& path) {
 bool Hive::NamesCurrent(const NameList& list, KeyId id) {
   if (list.id != id || list.changes != sqlite3_total_changes64(db_)) return false;
   // Another connection's commit moves the data version; reading it is a read of its own.
-  sqlite3_stmt* raw = nullptr;
-  if (Prepare("PRAGMA data_version", &raw) != 0) return false;
-  Statement statement(raw);
-  return sqlite3_step(raw) == SQLITE_ROW && sqlite3_column_int64(raw, 0) == list.version;
+  sqlite3_int64 version = 0;
+  return QueryNumber("PRAGMA data_version", version) == 0 && version == list.version;
 }
 
 LONG Hive::LoadNames(NameList& list, const char* sql, KeyId id) {
@@ -527,14 +515,8 @@ LONG Hive::LoadNames(NameList& list, const char* sql, KeyId id) {
   LONG code = Begin(false);
   if (code != 0) return code;
   code = CheckKey(id);
+  if (code == 0) code = QueryNumber("PRAGMA data_version", list.version);
   sqlite3_stmt* raw = nullptr;
-  if (code == 0) code = Prepare("PRAGMA data_version", &raw);
-  if (code == 0) {
-    Statement statement(raw);
-    const int step = sqlite3_step(raw);
-    if (step != SQLITE_ROW) code = Win32ErrorFromSqlite(step);
-    list.version = sqlite3_column_int64(raw, 0);
-  }
   if (code == 0) code = Prepare(sql, &raw);
   if (code == 0) {
     Statement statement(raw);

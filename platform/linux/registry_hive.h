@@ -85,6 +85,8 @@ class Hive {
   LONG Exec(const char* sql);
   // Runs one cached statement without results.
   LONG Step(const char* sql);
+  // The first column of the one row a cached statement gives; ERROR_BADDB when it gives none.
+  LONG QueryNumber(const char* sql, sqlite3_int64& value);
   LONG Begin(bool write);
   LONG End(LONG code);
   LONG FindLocked(KeyId parent, const std::vector<std::u16string>& path, KeyId& id);

@@ -297,14 +297,19 @@ LONG EnterMountedHive(KeyHandle& from, std::vector<std::u16string>& parts, bool 
   return 0;
 }
 
+// The handle record of base and the components of the path below it.
+LONG ResolvePath(HKEY base, const std::u16string& subKey, bool create, KeyHandle& from,
+                 std::vector<std::u16string>& parts) {
+  const LONG code = SplitPath(subKey, parts);
+  return code != 0 ? code : Resolve(base, create, from);
+}
+
 LONG OpenOrCreate(HKEY base, const std::u16string& subKey, DWORD access, bool create, HKEY* result,
                   DWORD* disposition) {
   if (result == nullptr) return static_cast<LONG>(kErrorInvalidParameter);
   std::vector<std::u16string> parts;
-  LONG code = SplitPath(subKey, parts);
-  if (code != 0) return code;
   KeyHandle from;
-  code = Resolve(base, create, from);
+  LONG code = ResolvePath(base, subKey, create, from, parts);
   if (code != 0) return code;
   if (from.usersRoot && parts.empty()) {
     *result = Register(from);
@@ -417,10 +422,8 @@ LONG StoreDeleteValue(HKEY key, const std::u16string& name) {
 
 LONG StoreDeleteKey(HKEY base, const std::u16string& subKey) {
   std::vector<std::u16string> parts;
-  LONG code = SplitPath(subKey, parts);
-  if (code != 0) return code;
   KeyHandle from;
-  code = Resolve(base, false, from);
+  LONG code = ResolvePath(base, subKey, false, from, parts);
   if (code != 0) return code;
   const bool hiveRoot = from.usersRoot || IsMachineRoot(from);
   code = EnterMountedHive(from, parts, false);
