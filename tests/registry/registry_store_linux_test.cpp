@@ -1,10 +1,13 @@
-// Linux store only: many processes at once, writers killed at random points, file permissions
-// between users, and damaged or foreign hive files.
+// Linux store only: many processes at once, writers killed at random points, permissions between
+// users, damaged or foreign files, listings and hive replacement across processes, and failing
+// system calls (the substitutes' table and SQLite's own).
 #if !defined(_WIN32)
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -16,12 +19,18 @@
 
 #include "DERegistry.h"
 #include "common/child_process.h"
+#include "common/platform_info.h"
 #include "common/temp_dir.h"
+#include "platform/linux/system_calls.h"
 #include "registry_test_util.h"
 
 namespace {
 
 using DE::Registry;
+using DE::detail::linux_impl::FailingSystemCall;
+using DE::detail::linux_impl::kForever;
+using DE::detail::linux_impl::SystemCalls;
+using Names = std::vector<std::wstring>;
 
 constexpr int kAccessDenied = 5;
 constexpr int kBadDb = 1009;
@@ -34,6 +43,7 @@ struct StoreFolder {
   const std::string previous = std::getenv("UTIL_REGISTRY_DIR");
   const test::TempDir temp;
   const std::string path = (temp.Path() / "store").string();
+  std::wstring File(const char* name) const { return temp.File(name).wstring(); }
 };
 
 // Writes count values, reads each back, and records every write that returned in progress.
@@ -175,15 +185,15 @@ TEST(RegistryStore, EnumerationFollowsChangesFromEveryProcess) {
   ASSERT_TRUE(registry.OpenKey(HKEY_LOCAL_MACHINE, L"Software\\Enum", true));
   ASSERT_TRUE(registry.CreateKey(L"A"));
   ASSERT_TRUE(registry.CreateKey(L"C"));
-  std::vector<std::wstring> names;
+  Names names;
   ASSERT_TRUE(registry.GetKeyNames(names));
-  EXPECT_EQ((std::vector<std::wstring>{L"A", L"C"}), names);
+  EXPECT_EQ((Names{L"A", L"C"}), names);
   ASSERT_EQ(0, test::RunSelf({"reg_key", store.path, "Software\\Enum\\B"}, 60000));
   ASSERT_TRUE(registry.GetKeyNames(names));
-  EXPECT_EQ((std::vector<std::wstring>{L"A", L"B", L"C"}), names);
+  EXPECT_EQ((Names{L"A", L"B", L"C"}), names);
   ASSERT_TRUE(Registry::DelKey(HKEY_LOCAL_MACHINE, L"Software\\Enum\\A", KEY_ALL_ACCESS));
   ASSERT_TRUE(registry.GetKeyNames(names));
-  EXPECT_EQ((std::vector<std::wstring>{L"B", L"C"}), names);
+  EXPECT_EQ((Names{L"B", L"C"}), names);
   ASSERT_EQ(0, test::RunSelf({"reg_key", store.path, "Software\\Enum", "delete"}, 60000));
   EXPECT_FALSE(registry.GetKeyNames(names));
   EXPECT_TRUE(names.empty());
@@ -212,36 +222,117 @@ TEST(RegistryStore, ReplacedHiveChangesAtTheNextBoot) {
   ASSERT_TRUE(test::WriteFileBytes(bootId, "boot-a\n"));
   setenv("UTIL_SYSROOT", sysroot.Path().c_str(), 1);
   const std::string sid = "S-1-5-21-7";
-  const std::string newFile = store.temp.File("new.hiv").string();
-  const std::string oldFile = store.temp.File("old.hiv").string();
   ASSERT_EQ(0, test::RunSelf({"reg_value", store.path, sid, "1"}, 60000));
   Registry source;
   ASSERT_TRUE(source.OpenKey(HKEY_LOCAL_MACHINE, L"Source\\Software", true));
   ASSERT_TRUE(source.WriteInteger(L"v", 2));
-  ASSERT_TRUE(source.SaveKey(L"\\Source", std::wstring(newFile.begin(), newFile.end())));
+  ASSERT_TRUE(source.SaveKey(L"\\Source", store.File("new.hiv")));
 
   Registry users;
   users.SetRootKey(HKEY_USERS);
-  const std::wstring hive(sid.begin(), sid.end());
-  ASSERT_TRUE(users.ReplaceKey(L"\\" + hive, std::wstring(newFile.begin(), newFile.end()),
-                               std::wstring(oldFile.begin(), oldFile.end())));
-  EXPECT_FALSE(users.ReplaceKey(L"\\" + hive, std::wstring(newFile.begin(), newFile.end()),
-                                std::wstring(oldFile.begin(), oldFile.end())));
+  const std::wstring hive = L"\\" + std::wstring(sid.begin(), sid.end());
+  ASSERT_TRUE(users.ReplaceKey(hive, store.File("new.hiv"), store.File("old.hiv")));
+  EXPECT_FALSE(users.ReplaceKey(hive, store.File("new.hiv"), store.File("old.hiv")));
   EXPECT_EQ(183, users.GetLastError());
-  EXPECT_FALSE(users.ReplaceKey(L"\\" + hive + L"\\Software", std::wstring(newFile.begin(), newFile.end()),
-                                std::wstring(oldFile.begin(), oldFile.end()) + L"2"));  // not a hive's root
+  EXPECT_FALSE(
+      users.ReplaceKey(hive + L"\\Software", store.File("new.hiv"), store.File("old2.hiv")));  // not a root
   EXPECT_EQ(1, test::RunSelf({"reg_value", store.path, sid}, 60000));  // same boot: unchanged
 
   ASSERT_TRUE(test::WriteFileBytes(bootId, "boot-b\n"));
   EXPECT_EQ(2, test::RunSelf({"reg_value", store.path, sid}, 60000));
   EXPECT_EQ(0, test::RunSelf({"reg_value", store.path, sid, "3"}, 60000));
   EXPECT_EQ(3, test::RunSelf({"reg_value", store.path, sid}, 60000));  // carried out once only
-  EXPECT_TRUE(users.LoadKey(L"Old", std::wstring(oldFile.begin(), oldFile.end())));
+  EXPECT_TRUE(users.LoadKey(L"Old", store.File("old.hiv")));
   int old = 0;
   EXPECT_TRUE(Registry::GetValue(HKEY_USERS, L"Old\\Software", L"v", old, KEY_READ));
   EXPECT_EQ(1, old);
   EXPECT_TRUE(users.UnLoadKey(L"Old"));
   unsetenv("UTIL_SYSROOT");
+}
+
+// Makes SQLite's writes fail with ENOSPC while it lives, whichever write call its build uses.
+class FullDisk {
+ public:
+  FullDisk() : vfs_(sqlite3_vfs_find(nullptr)) {
+    for (int i = 0; i < kCalls; ++i) {
+      saved_[i] = vfs_->xGetSystemCall(vfs_, kNames[i]);
+      if (saved_[i] != nullptr) vfs_->xSetSystemCall(vfs_, kNames[i], kFailures[i]);
+    }
+  }
+  ~FullDisk() {
+    for (int i = 0; i < kCalls; ++i) {
+      if (saved_[i] != nullptr) vfs_->xSetSystemCall(vfs_, kNames[i], saved_[i]);
+    }
+  }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  static ssize_t Write(int, const void*, size_t) { return errno = ENOSPC, -1; }
+  static ssize_t PositionedWrite(int, const void*, size_t, off_t) { return errno = ENOSPC, -1; }
+  static constexpr int kCalls = 3;
+  static constexpr const char* kNames[kCalls] = {"write", "pwrite", "pwrite64"};
+  static inline const sqlite3_syscall_ptr kFailures[kCalls] = {
+      reinterpret_cast<sqlite3_syscall_ptr>(&Write), reinterpret_cast<sqlite3_syscall_ptr>(&PositionedWrite),
+      reinterpret_cast<sqlite3_syscall_ptr>(&PositionedWrite)};
+  sqlite3_vfs* vfs_;
+  sqlite3_syscall_ptr saved_[kCalls] = {};
+};
+
+TEST(RegistryStore, FailedSqliteWritesChangeNothing) {
+  StoreFolder store;
+  Registry registry;
+  ASSERT_TRUE(registry.OpenKey(HKEY_LOCAL_MACHINE, L"Software\\Faults", true));
+  ASSERT_TRUE(registry.WriteInteger(L"kept", 1));
+  const int descriptors = test::OpenDescriptors();
+  {
+    FullDisk full;
+    EXPECT_FALSE(registry.WriteInteger(L"kept", 2));
+    EXPECT_FALSE(registry.WriteString(L"new", L"x"));
+    EXPECT_FALSE(registry.CreateKey(L"Child"));
+    EXPECT_EQ(112, registry.GetLastError());  // ERROR_DISK_FULL
+  }
+  int value = 0;
+  EXPECT_TRUE(registry.ReadInteger(L"kept", value));
+  EXPECT_EQ(1, value);
+  EXPECT_FALSE(registry.ValueExists(L"new"));
+  EXPECT_FALSE(registry.KeyExists(L"Child"));
+  EXPECT_EQ(descriptors, test::OpenDescriptors());
+  EXPECT_TRUE(registry.WriteInteger(L"kept", 3));
+  EXPECT_TRUE(registry.CreateKey(L"Child"));
+}
+
+// The store's own calls: linking a loaded hive, recording a replacement. Each fault fails the
+// call alone.
+TEST(RegistryStore, FailedStoreCallsLeaveNothingHalfDone) {
+  if (::geteuid() != 0) GTEST_SKIP() << "loading and replacing hives needs root";
+  StoreFolder store;
+  ASSERT_TRUE(Registry::SetValue(HKEY_LOCAL_MACHINE, L"Software\\X", L"v", 1, KEY_ALL_ACCESS));
+  ASSERT_TRUE(Registry::SetValue(HKEY_CURRENT_USER, L"Software", L"v", 1, KEY_ALL_ACCESS));  // S-1-22-1-0
+  Registry registry;
+  registry.SetRootKey(HKEY_LOCAL_MACHINE);
+  ASSERT_TRUE(registry.SaveKey(L"\\Software", store.File("saved.hiv")));
+  registry.SetRootKey(HKEY_USERS);
+  const int descriptors = test::OpenDescriptors();  // both hives of the store are open now
+  {
+    FailingSystemCall<&SystemCalls::symlink> noLink(1, ENOSPC, kForever);
+    EXPECT_FALSE(registry.LoadKey(L"Loaded", store.File("saved.hiv")));
+  }
+  EXPECT_FALSE(registry.KeyExists(L"Loaded"));
+  {
+    FailingSystemCall<&SystemCalls::fsync> noSync(1, EIO, kForever);
+    EXPECT_FALSE(registry.ReplaceKey(L"\\S-1-22-1-0", store.File("saved.hiv"), store.File("old.hiv")));
+    EXPECT_EQ(1, noSync.Calls());
+  }
+  EXPECT_FALSE(std::filesystem::exists(store.temp.Path() / "old.hiv"));
+  EXPECT_FALSE(std::filesystem::exists(store.path + "/users/S-1-22-1-0.hive.replace"));
+  EXPECT_FALSE(std::filesystem::exists(store.path + "/users/S-1-22-1-0.hive.replace.new"));
+  EXPECT_EQ(descriptors, test::OpenDescriptors());
+  ASSERT_TRUE(registry.LoadKey(L"Loaded", store.File("saved.hiv")));
+  int value = 0;
+  EXPECT_TRUE(Registry::GetValue(HKEY_USERS, L"Loaded\\X", L"v", value, KEY_READ));
+  EXPECT_EQ(1, value);
+  EXPECT_TRUE(registry.UnLoadKey(L"Loaded"));
 }
 
 }  // namespace
