@@ -128,13 +128,7 @@ LONG RegApiReplaceKey(HKEY base, const wchar_t* subKey, const wchar_t* newFileNa
 // Linux is an NT-like platform here; names are doubled when the ANSI page is a double-byte one,
 // as Windows reports SM_DBCSENABLED for those pages.
 bool RegApiNameLengthsDoubled(bool& doubled) {
-  static const char* const kDoubleByte[] = {"CP932",   "CP936",     "CP949", "CP950",  "GBK",  "GB2312",
-                                            "GB18030", "SHIFT_JIS", "SJIS",  "EUC-KR", "BIG5", "EUC-JP"};
-  const std::string& name = linux_impl::AnsiCodePage::Get().Name();
-  doubled = false;
-  for (const char* page : kDoubleByte) {
-    if (strcasecmp(name.c_str(), page) == 0) doubled = true;
-  }
+  doubled = linux_impl::AnsiCodePage::Get().IsDoubleByte();
   return true;
 }
 

@@ -24,6 +24,8 @@ class AnsiCodePage {
   explicit AnsiCodePage(std::string iconvName);
 
   const std::string& Name() const { return name_; }
+  // A legacy multi-byte page (932, 936, 949, 950, ...): what Windows reports as SM_DBCSENABLED.
+  bool IsDoubleByte() const { return !utf8_ && !singleByte_; }
   std::wstring Decode(const char* text, std::size_t length) const;
   std::string Encode(const wchar_t* text, std::size_t length) const;
 
