@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 #include "DERegistry.h"
@@ -26,19 +27,27 @@ LONG ExportKey(HKEY key, const std::wstring& path, std::vector<detail::RegFileKe
   detail::RegFileKey entry;
   entry.path = path;
   std::vector<wchar_t> name(std::max(info.maxValueNameLen, info.maxSubKeyLen) + 2);
+  // One read per value into a buffer sized by the key's longest data; a value that grew since
+  // the key info was taken is read again at its new size.
+  std::string data(info.maxValueLen, '\0');
   for (DWORD index = 0; index < info.values; ++index) {
     DWORD chars = static_cast<DWORD>(name.size());
     if (detail::RegApiEnumValue(key, index, name.data(), &chars) != 0) continue;
     detail::RegFileValue value;
     value.name.assign(name.data(), chars);
-    DWORD size = 0;
-    if (detail::RegApiQueryValue(key, value.name.c_str(), &value.type, nullptr, &size) != 0) continue;
-    value.data.resize(size);
-    code = detail::RegApiQueryValue(key, value.name.c_str(), &value.type,
-                                    reinterpret_cast<BYTE*>(&value.data[0]), &size);
-    if (code != 0) return code;
-    value.data.resize(size);
-    entry.values.push_back(value);
+    DWORD size = static_cast<DWORD>(data.size());
+    code = detail::RegApiQueryValue(key, value.name.c_str(), &value.type, reinterpret_cast<BYTE*>(&data[0]),
+                                    &size);
+    if (code == detail::kRegMoreData) {
+      data.resize(size);
+      code = detail::RegApiQueryValue(key, value.name.c_str(), &value.type, reinterpret_cast<BYTE*>(&data[0]),
+                                      &size);
+      if (code != 0) return code;
+    } else if (code != 0) {
+      continue;  // gone or unreadable since it was listed
+    }
+    value.data.assign(data, 0, size);
+    entry.values.push_back(std::move(value));
   }
   out.push_back(entry);
   for (DWORD index = 0; index < info.subKeys; ++index) {
