@@ -11,15 +11,16 @@ namespace {
 
 using locktest::OtherThreadTakes;
 
-TEST(CommonLock, OwnerRecursesAndOthersWaitUntilFullyReleased) {
+TEST(CommonLock, OwnerRecursesOthersWaitAndAutoLockAdopts) {
   DE::CommonLock lock;
   lock.Lock();
   EXPECT_NE(0, lock.TryLock());  // the owner enters again
   EXPECT_EQ(0, OtherThreadTakes(lock));
   lock.UnLock();
   EXPECT_EQ(0, OtherThreadTakes(lock));  // one level still held
-  lock.UnLock();
+  { DE::AutoLock adopted(&lock, true); }  // takes no level of its own; releases the one left
   EXPECT_EQ(1, OtherThreadTakes(lock));
+  DE::AutoLock null(nullptr), adoptedNull(nullptr, true);  // nothing to lock or unlock
 }
 
 // Through AutoLock: a lock that failed to exclude, lock or unlock would lose updates or hang.
@@ -39,14 +40,6 @@ TEST(CommonLock, ExcludesThreadsThroughAutoLock) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(4 * 20000L, counter);
-}
-
-TEST(AutoLock, AdoptsALevelAlreadyTakenAndToleratesNull) {
-  DE::CommonLock lock;
-  lock.Lock();
-  { DE::AutoLock adopted(&lock, true); }  // no second level taken; the one above is released
-  EXPECT_EQ(1, OtherThreadTakes(lock));
-  DE::AutoLock null(nullptr), adoptedNull(nullptr, true);  // nothing to lock or unlock
 }
 
 }  // namespace

@@ -1,18 +1,15 @@
-// Helpers of the lock tests: unique mutex names and the clean-up of their Linux objects, file
-// signals between a test and its child processes, and a TryLock from another thread.
+// Helpers of the lock tests: unique mutex names and the clean-up of their Linux objects, and a
+// TryLock from another thread.
 #pragma once
 
-#include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "DELock.h"
-#include "common/child_process.h"
 
 namespace locktest {
 

@@ -1,6 +1,5 @@
-// The Linux objects behind NamedMutexLock: their names, mode, owner and access list, and the
-// kernel keeping anonymous users out (checked with setpriv as other users). Linux only: the
-// Windows mutex's security descriptor is checked in named_mutex_test.cpp.
+// Linux only: the objects behind NamedMutexLock (names, mode, owner, access list) and the kernel
+// keeping anonymous users out (setpriv runs the child as other users).
 #if !defined(_WIN32)
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -86,7 +85,6 @@ TEST(NamedMutexObject, NameModeOwnerAndAccessList) {
       {0x01, 6, undefined},         {0x02, 0, OverflowId("uid")}, {0x04, 6, undefined},
       {0x08, 0, OverflowId("gid")}, {0x10, 6, undefined},         {0x20, 6, undefined}};
   EXPECT_EQ(expected, AccessAcl(objects[0]));
-
   // "Global\" and "Local\" lead to the same object and the same mutex.
   DE::NamedMutexLock global((L"Global\\" + name.wide).c_str());
   DE::NamedMutexLock local((L"Local\\" + name.wide).c_str());

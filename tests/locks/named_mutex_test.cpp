@@ -89,18 +89,15 @@ TEST(NamedMutexLock, ExcludesAnotherProcess) {
 
 TEST(NamedMutexLock, AbandonedMutexIsOwnedButTryLockSaysZero) {
   ScopedMutexName name("abandoned");
-  // Opened first: on Windows a mutex with no handle left would vanish with the child.
-  DE::NamedMutexLock lock(name.wide.c_str());
+  DE::NamedMutexLock lock(name.wide.c_str());  // first: on Windows it would go with the child's handle
   ASSERT_EQ(0, test::RunSelf({"mutex_abandon", name.utf8}, kChildTimeoutMs));
 
   EXPECT_EQ(0, lock.TryLock());                 // abandoned: reported as not taken...
   EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // ...yet owned by us
   lock.UnLock();
   EXPECT_EQ(kTryBase + 1, ChildTryLock(name));
-
-  // Lock() takes an abandoned mutex and returns normally.
   ASSERT_EQ(0, test::RunSelf({"mutex_abandon", name.utf8}, kChildTimeoutMs));
-  lock.Lock();
+  lock.Lock();  // takes an abandoned mutex and returns normally
   EXPECT_EQ(kTryBase + 0, ChildTryLock(name));
   lock.UnLock();
 }
@@ -121,19 +118,16 @@ TEST(NamedMutexLock, OwnershipWithinOneProcess) {
     EXPECT_EQ(kTryBase + 0, ChildTryLock(name));  // one level still held
   }                                               // the destructor releases it
   EXPECT_EQ(kTryBase + 1, ChildTryLock(name));
-
-  // A thread that ends while owning abandons the mutex.
-  std::thread([&] { lock.Lock(); }).join();
-  EXPECT_EQ(0, lock.TryLock());  // abandoned, and now ours
+  std::thread([&] { lock.Lock(); }).join();  // a thread that ends while owning abandons it
+  EXPECT_EQ(0, lock.TryLock());              // abandoned, and now ours
   EXPECT_EQ(0, OtherThreadTakes(lock));
   lock.UnLock();
   EXPECT_EQ(1, OtherThreadTakes(lock));
 }
 
 TEST(NamedMutexLock, UnnamedAndRefusedNames) {
-  // No name: a mutex of this object alone, still exclusive between threads.
   for (const wchar_t* none : {static_cast<const wchar_t*>(nullptr), L""}) {
-    DE::NamedMutexLock unnamed(none);
+    DE::NamedMutexLock unnamed(none);  // a mutex of this object alone, still exclusive between threads
     EXPECT_EQ(1, unnamed.TryLock());
     EXPECT_EQ(0, OtherThreadTakes(unnamed));
     unnamed.UnLock();
@@ -157,8 +151,7 @@ TEST(CreateDACL, FillsAttributesAndFreesThem) {
   EXPECT_EQ(sizeof(SECURITY_ATTRIBUTES), attributes.nLength);
   EXPECT_EQ(FALSE, attributes.bInheritHandle);
   ASSERT_NE(nullptr, attributes.lpSecurityDescriptor);
-#if defined(_WIN32)
-  // The descriptor reads back as the SDDL it was made from.
+#if defined(_WIN32)  // the descriptor reads back as the SDDL it was made from
   LPWSTR text = nullptr;
   ASSERT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
       attributes.lpSecurityDescriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));

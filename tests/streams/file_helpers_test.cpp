@@ -1,5 +1,4 @@
-// Files and folders: existence, folder trees, the program's folder, application data, and the
-// system's error texts.
+// Files and folders: existence, folder trees, the program's folder, application data, error texts.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,7 +6,6 @@
 #include <string>
 
 #include "DEFile.h"
-#include "DESerialize.h"
 #include "common/platform_info.h"
 #include "common/temp_dir.h"
 

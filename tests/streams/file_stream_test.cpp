@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "DESerialize.h"
 #include "DEStream.h"
@@ -31,31 +30,17 @@ unsigned int OpenError(const std::wstring& root, const std::wstring& name, unsig
   return file.Open(mode) ? 0u : file.GetLastErrorCode();
 }
 
-const std::vector<std::string> kAwkwardArgs = {"plain",  "two words",       "",           "quote\"inside",
-                                               "tail\\", "back\\\\\"slash", "caf\xC3\xA9"};
-
-TEST_CHILD_MAIN(echo_args) { return args == kAwkwardArgs ? 42 : 1; }
-
-TEST(ChildProcess, ArgumentsAndExitCodes) {
-  std::vector<std::string> request = {"echo_args"};
-  request.insert(request.end(), kAwkwardArgs.begin(), kAwkwardArgs.end());
-  EXPECT_EQ(42, test::RunSelf(request, kChildTimeoutMs));
-  EXPECT_EQ(125, test::RunSelf({"no_such_routine"}, kChildTimeoutMs));
-}
-
 // Child: tries to open a file; exits with 0 or the Win32 code.
 TEST_CHILD_MAIN(open_file) {
-  if (args.size() != 2) return 100;
-  const fs::path path = fs::u8path(args[0]);
-  return static_cast<int>(
-      OpenError(WideFolder(path.parent_path()), path.filename().wstring(), std::stoul(args[1], nullptr, 0)));
+  const fs::path path = fs::u8path(args.at(0));
+  return static_cast<int>(OpenError(WideFolder(path.parent_path()), path.filename().wstring(),
+                                    std::stoul(args.at(1), nullptr, 0)));
 }
 
 // Child: opens a file, announces it by creating "<file>.ready", and holds it until killed.
 TEST_CHILD_MAIN(hold_file) {
-  if (args.size() != 2) return 100;
-  const fs::path path = fs::u8path(args[0]);
-  DE::FileStream file(path.wstring(), std::stoul(args[1], nullptr, 0));
+  const fs::path path = fs::u8path(args.at(0));
+  DE::FileStream file(path.wstring(), std::stoul(args.at(1), nullptr, 0));
   if (!file.IsOpened()) return 101;
   test::WriteFileBytes(path.string() + ".ready", "");
   std::this_thread::sleep_for(std::chrono::minutes(5));
@@ -68,7 +53,6 @@ TEST(FileStream, ModeWord) {
   const fs::path path = dir.File("data.bin");
   ASSERT_TRUE(test::WriteFileBytes(path, "hello world"));
 
-  EXPECT_FALSE(DE::FileStream(path.wstring(), 0xF2).IsOpened());
   fs::create_directory(dir.File("folder"));
   // Bits above the low 16, bits 2-3 and bits 8-15 are ignored.
   const struct {
@@ -139,8 +123,7 @@ TEST(HandleStream, BorrowedNullAndFailedHandles) {
   ASSERT_TRUE(test::WriteFileBytes(dir.File("h.bin"), "abc"));
   HANDLE handle = DE::FileOpen(dir.File("h.bin").wstring(), 2);
   ASSERT_NE(INVALID_HANDLE_VALUE, handle);
-  { DE::HandleStream stream(handle); }
-  // The stream did not close the borrowed handle.
+  { DE::HandleStream stream(handle); }  // does not close the borrowed handle
   char buf[3] = {};
   EXPECT_EQ(3u, DE::HandleStream(handle).Read(buf, 3));
   EXPECT_TRUE(DE::FileClose(handle));
@@ -179,8 +162,7 @@ TEST(FileSharing, TwoOpensInOneProcess) {
           << std::hex << "first 0x" << mode1 << ", second 0x" << mode2;
     }
   }
-  // Once the first is closed, anything opens again.
-  EXPECT_EQ(0u, OpenError(root, L"shared.bin", 0x12));
+  EXPECT_EQ(0u, OpenError(root, L"shared.bin", 0x12));  // the first is closed again
 
   // A refused create leaves the file as it was.
   {
@@ -207,9 +189,6 @@ TEST(FileSharing, TwoProcesses) {
               test::RunSelf({"open_file", pathArg, std::to_string(c[1])}, kChildTimeoutMs))
         << std::hex << "parent 0x" << c[0] << ", child 0x" << c[1];
   }
-  // Nothing held: the child opens without sharing.
-  EXPECT_EQ(0, test::RunSelf({"open_file", pathArg, "16"}, kChildTimeoutMs));
-
   // A process that ends while holding the file gives it up.
   test::ChildProcess holder;
   ASSERT_TRUE(holder.Start({"hold_file", pathArg, "16"}));

@@ -1,5 +1,5 @@
-// MemoryrStream and the block copies: growth steps and their 32-bit rounding, fixed buffers,
-// terminators, comparisons, UTF-16 view, copies between streams.
+// MemoryrStream and the block copies: growth and its 32-bit rounding, fixed buffers, terminators,
+// comparisons, the UTF-16 view, copies between streams and to and from files.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// A memory stream that records the size of every read, to see how copies move their data.
+// Records the size of every read, to see the blocks a copy moves.
 class CountingStream : public DE::MemoryrStream {
  public:
   using MemoryrStream::MemoryrStream;
@@ -33,15 +33,13 @@ TEST(MemoryStream, GrowsInSteps) {
   EXPECT_EQ(1u, s.Write("x", 1));
   EXPECT_EQ(8192, s.GetCapacity());
   s.SetSize(100);
-  // A request equal to the current size is taken as it is, not rounded.
-  s.SetSize(100);
+  s.SetSize(100);  // equal to the size: taken as it is, not rounded
   EXPECT_EQ(100, s.GetCapacity());
   EXPECT_EQ('x', s.Memory()[0]);
-  // The rounding mask is 32 bits wide: 2^32 + 1 rounds to 8192.
-  s.SetCapacity(0x100000001LL);
+  s.SetCapacity(0x100000001LL);  // the 32-bit rounding mask makes 2^32 + 1 into 8192
   EXPECT_EQ(8192, s.GetCapacity());
 
-  // Writing one byte past a full step moves to the next step; the data survives the move.
+  // One byte past a full step moves to the next; the data survives the move.
   DE::MemoryrStream t;
   const std::string block = Pattern(8192);
   t.Write(block.data(), 8192);
@@ -49,8 +47,8 @@ TEST(MemoryStream, GrowsInSteps) {
   EXPECT_EQ(16384, t.GetCapacity());
   EXPECT_EQ(block + "y", t.ToString());
 
-  // Bytes gained by SetSize read as zeros, also where older data once stood.
-  // The base SetSize keeps the low 32 bits only.
+  // Bytes gained by SetSize read as zeros, also where older data stood; the base SetSize keeps
+  // the low 32 bits only.
   DE::MemoryrStream regrown("abcdef");
   regrown.SetSize(2);
   EXPECT_EQ(2, regrown.Position());  // moved back to the new end
@@ -72,14 +70,12 @@ TEST(MemoryStream, SeekReadWriteBounds) {
   EXPECT_EQ("llo", std::string(buf, 3));
   EXPECT_EQ(0u, s.Write(nullptr, 4));
 
-  // Writing past the end leaves a gap of zeros and moves the size.
-  DE::MemoryrStream gap;
+  DE::MemoryrStream gap;  // writing past the end leaves zeros
   gap.Seek(10, DE::Begin);
   EXPECT_EQ(2u, gap.Write("ab", 2));
   EXPECT_EQ(std::string(10, '\0') + "ab", gap.ToString());
 
-  // A position whose 32-bit end wraps to 0 writes nothing.
-  DE::MemoryrStream wrap;
+  DE::MemoryrStream wrap;  // a 32-bit end of 0 writes nothing
   wrap.Seek(0xFFFFFFFFLL, DE::Begin);
   EXPECT_EQ(0u, wrap.Write("a", 1));
   EXPECT_EQ(0, wrap.Size());
@@ -93,15 +89,14 @@ TEST(MemoryStream, FixedBuffers) {
     // A full fixed buffer gets no terminator: the byte after it is not the stream's.
     EXPECT_EQ(data, attached.c_str());
     EXPECT_EQ('S', data[4]);
-    attached.SetCapacity(100000);  // fixed streams never reallocate
+    attached.SetCapacity(100000);  // never reallocated
     EXPECT_EQ(4, attached.GetCapacity());
     attached.Clear();
     EXPECT_STREQ("", attached.c_str());  // size 0 < 4: terminated at 0 and 1
   }
-  // The caller's buffer is still there and holds what was written.
-  EXPECT_EQ(std::string("\0\0cdSSSS", 8), std::string(data, 8));
+  EXPECT_EQ(std::string("\0\0cdSSSS", 8), std::string(data, 8));  // still the caller's
 
-  // A copy is fixed too: it does not grow and is not released with the stream.
+  // A copy is fixed too, and not released with the stream.
   static char* keptCopy = nullptr;  // reachable, so leak checkers see the kept block as intended
   {
     char source[3] = {'1', '2', '3'};
@@ -117,7 +112,7 @@ TEST(MemoryStream, FixedBuffers) {
   EXPECT_EQ(8192, none.GetCapacity());
 }
 
-TEST(MemoryStream, TerminatorsAndComparisons) {
+TEST(MemoryStream, TerminatorsComparisonsAndWideView) {
   DE::MemoryrStream empty;
   EXPECT_STREQ("", empty.c_str());
   EXPECT_EQ(0, empty.Compare(""));
@@ -129,37 +124,30 @@ TEST(MemoryStream, TerminatorsAndComparisons) {
   EXPECT_EQ(1, s.Compare("abc"));  // 'd' against the terminator
   EXPECT_EQ(-1, s.Compare("abce"));
   EXPECT_EQ(0, s.CompareNoCase("ABcD"));
-  // Cut to 3 bytes, the old 4th byte still sits after the data and takes part ...
-  s.SetSize(3);
+  s.SetSize(3);  // the old 4th byte still follows the data and takes part ...
   EXPECT_EQ(1, s.Compare("abc"));
-  // ... until c_str() terminates the text.
-  EXPECT_STREQ("abc", s.c_str());
+  EXPECT_STREQ("abc", s.c_str());  // ... until c_str() terminates the text
   EXPECT_EQ(0, s.Compare("abc"));
-
   DE::MemoryrStream longer("abcd");
   EXPECT_EQ(-1, s.Compare(longer));
 
-  // Bytes beyond a fixed buffer are never read: they compare as 0.
-  char fixed[3] = {'a', 'b', 'c'};
+  char fixed[3] = {'a', 'b', 'c'};  // bytes beyond a fixed buffer are never read: they compare as 0
   DE::MemoryrStream view(fixed, 3, true);
   EXPECT_EQ(0, view.Compare("abc"));
   EXPECT_EQ(-1, view.Compare("abcd"));
-}
 
-TEST(MemoryStream, WideView) {
   char ab[] = {0x41, 0x00, 0x42, 0x00};
   EXPECT_EQ(L"AB", DE::MemoryrStream(ab, 4).ToWString());
-  // An odd size takes the byte after the data, here a fresh (zero) byte.
-  EXPECT_EQ(L"AB", DE::MemoryrStream(ab, 3).ToWString());
+  EXPECT_EQ(L"AB", DE::MemoryrStream(ab, 3).ToWString());  // an odd size takes a fresh zero byte
   // A surrogate pair in memory order is one character on both platforms.
   char smile[] = {0x3D, static_cast<char>(0xD8), 0x00, static_cast<char>(0xDE)};
   EXPECT_EQ(std::wstring(L"\U0001F600"), DE::MemoryrStream(smile, 4).ToWString());
-  // A fixed buffer of odd size: the missing high byte is 0, not whatever follows the buffer.
+  // Odd-sized fixed buffer: the missing high byte is 0, not whatever follows the buffer.
   char odd[4] = {0x43, 0x00, 0x44, 0x7F};
   EXPECT_EQ(L"CD", DE::MemoryrStream(odd, 3, true).ToWString());
 }
 
-TEST(MemoryStream, AssignAppendAndCopies) {
+TEST(MemoryStream, AssignAppendAndFiles) {
   DE::MemoryrStream s;
   s.Assign('x', 3);
   s.Seek(0, DE::Begin);
@@ -168,8 +156,7 @@ TEST(MemoryStream, AssignAppendAndCopies) {
   s.Append(nullptr);
   EXPECT_EQ("xxxzzq", s.ToString());
   EXPECT_EQ(6, s.Position());
-  // Assigning a stream to itself empties it (the buffer is released before the copy).
-  s.Assign(s);
+  s.Assign(s);  // to itself: empties it (the buffer is released before the copy)
   EXPECT_EQ(0, s.Size());
 
   DE::MemoryrStream other("12");
@@ -180,6 +167,19 @@ TEST(MemoryStream, AssignAppendAndCopies) {
   EXPECT_EQ(3, partial.Position());
   partial.LoadFromStream(other);  // replaces the contents
   EXPECT_EQ("12", partial.ToString());
+
+  test::TempDir dir;
+  const std::string path = dir.File("saved.bin").string();
+  const std::string data = Pattern(70000);
+  DE::MemoryrStream(data.data(), static_cast<int>(data.size())).SaveToFile(path);
+  EXPECT_EQ(data, test::ReadFileBytes(path));
+  DE::MemoryrStream("xy").SaveToFile(path);  // created anew, not overwritten in place
+  EXPECT_EQ("xy", test::ReadFileBytes(path));
+  DE::MemoryrStream loaded("previous");
+  loaded.LoadFromFile(path);
+  EXPECT_EQ("xy", loaded.ToString());
+  loaded.LoadFromFile(dir.File("missing.bin").wstring());
+  EXPECT_EQ(0, loaded.Size());
 }
 
 TEST(StreamCopy, BlocksAndCounts) {
@@ -191,21 +191,19 @@ TEST(StreamCopy, BlocksAndCounts) {
   EXPECT_EQ(data, target.ToString());
   EXPECT_EQ((std::vector<unsigned int>{61440, 38560}), source.reads);
 
-  // A count the source cannot fill: the count asked for comes back, and as many bytes are
-  // written (the missing ones from the zeroed copy buffer).
+  // A count the source cannot fill: that count comes back and is written, the missing bytes
+  // from the zeroed copy buffer.
   DE::MemoryrStream shortSource("abcdefghij");
   shortSource.Seek(6, DE::Begin);
   DE::MemoryrStream shortTarget;
   EXPECT_EQ(50, shortTarget.CopyFrom(shortSource, 50));
   EXPECT_EQ(std::string("ghij") + std::string(46, '\0'), shortTarget.ToString());
   EXPECT_EQ(0, shortTarget.CopyFrom(shortSource, -5));
-  // CopyTo is the same with this stream as the source.
   DE::MemoryrStream to;
   target.Seek(99990, DE::Begin);
   EXPECT_EQ(10, target.CopyTo(to, 10));
   EXPECT_EQ(data.substr(99990), to.ToString());
 
-  // Standard streams.
   std::istringstream in(data);
   DE::MemoryrStream fromStd;
   EXPECT_EQ(100000, fromStd.CopyFrom(in));
@@ -213,22 +211,6 @@ TEST(StreamCopy, BlocksAndCounts) {
   std::ostringstream out;
   EXPECT_EQ(99000, fromStd.CopyTo(out));
   EXPECT_EQ(data.substr(1000), out.str());
-}
-
-TEST(MemoryStream, FilesRoundTrip) {
-  test::TempDir dir;
-  const std::string path = dir.File("saved.bin").string();
-  const std::string data = Pattern(70000);
-  DE::MemoryrStream(data.data(), static_cast<int>(data.size())).SaveToFile(path);
-  EXPECT_EQ(data, test::ReadFileBytes(path));
-  DE::MemoryrStream("xy").SaveToFile(path);  // the file is created anew, not overwritten in place
-  EXPECT_EQ("xy", test::ReadFileBytes(path));
-
-  DE::MemoryrStream loaded("previous");
-  loaded.LoadFromFile(path);
-  EXPECT_EQ("xy", loaded.ToString());
-  loaded.LoadFromFile(dir.File("missing.bin").wstring());
-  EXPECT_EQ(0, loaded.Size());
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <string>
-#include <utility>
 
 #include "DEStream.h"
 #include "common/platform_info.h"
@@ -67,53 +66,42 @@ TEST(StreamFaults, FailedTransfersKeepTheData) {
   EXPECT_EQ("beforeafter", test::ReadFileBytes(path));
 }
 
-// Opens `path` with the nth call of Entry failing with `error` (`times` times); gives the
-// Win32 code of the open (0 when it succeeded; the handle is closed again) and the calls made.
+// Opens `path` while calls nth .. nth + times - 1 of Entry fail with `error`; gives the Win32 code
+// of the open (0 when it succeeded; the handle is closed again).
 template <auto Entry>
-std::pair<DWORD, int> OpenWithFault(const fs::path& path, unsigned mode, int nth, int error, int times) {
+DWORD OpenWithFault(const fs::path& path, unsigned mode, int nth, int error, int times = 1) {
   HANDLE file;
-  DWORD code = 0;
-  int calls;
   {
     FailingSystemCall<Entry> fault(nth, error, times);
     file = DE::FileOpen(path.wstring(), mode);
-    if (file == INVALID_HANDLE_VALUE) code = LastError();
-    calls = fault.Calls();
+    EXPECT_GE(fault.Calls(), nth) << "errno " << error << ": the fault was not reached";
   }
-  if (file != INVALID_HANDLE_VALUE) DE::FileClose(file);
-  return {code, calls};
+  if (file != INVALID_HANDLE_VALUE) return DE::FileClose(file) ? 0 : 0xFFFF;
+  return LastError();
 }
 
 TEST(StreamFaults, FailedOpenClosesWhatItOpened) {
   test::TempDir dir;
   const fs::path path = dir.File("kept.bin");
   ASSERT_TRUE(test::WriteFileBytes(path, "keep me"));
-  const struct {
-    const char* what;
-    std::pair<DWORD, int> (*open)(const fs::path&, unsigned, int, int, int);
-    unsigned mode;
-    int nth, error, times;
-    DWORD expected;
-  } kCases[] = {
-      {"no descriptors left", &OpenWithFault<&SystemCalls::open>, 0, 1, EMFILE, 1, 4},
-      {"permission", &OpenWithFault<&SystemCalls::open>, 0x12, 1, EACCES, 1, 5},
-      {"interrupted open is retried", &OpenWithFault<&SystemCalls::open>, 0, 1, EINTR, 1, 0},
-      {"fstat after the open", &OpenWithFault<&SystemCalls::fstat>, 2, 1, EIO, 1, 1117},
-      // Every sharing lock clashes: the opener gives up after its attempts.
-      {"sharing lock keeps clashing", &OpenWithFault<&SystemCalls::fcntl>, 0x10, 1, EAGAIN, kForever, 32},
-      // A file system without open-file-description locks opens without the sharing check.
-      {"no locks on the file system", &OpenWithFault<&SystemCalls::fcntl>, 0x10, 1, EINVAL, kForever, 0},
-      // Create-always truncates last; a failed truncation leaves the file as it was.
-      {"truncation of create-always", &OpenWithFault<&SystemCalls::ftruncate>, 0xFFFF, 1, EROFS, 1, 19},
-  };
   const int before = test::OpenDescriptors();
-  for (const auto& c : kCases) {
-    const auto [code, calls] = c.open(path, c.mode, c.nth, c.error, c.times);
-    EXPECT_EQ(c.expected, code) << c.what;
-    EXPECT_GE(calls, c.nth) << c.what << ": the fault was not reached";
-    EXPECT_EQ(before, test::OpenDescriptors()) << c.what;
-    EXPECT_EQ("keep me", test::ReadFileBytes(path)) << c.what;
-  }
+  const auto expect = [&](const char* what, DWORD expected, DWORD code) {
+    EXPECT_EQ(expected, code) << what;
+    EXPECT_EQ(before, test::OpenDescriptors()) << what;
+    EXPECT_EQ("keep me", test::ReadFileBytes(path)) << what;
+  };
+  expect("no descriptors left", 4, OpenWithFault<&SystemCalls::open>(path, 0, 1, EMFILE));
+  expect("permission", 5, OpenWithFault<&SystemCalls::open>(path, 0x12, 1, EACCES));
+  expect("interrupted open is retried", 0, OpenWithFault<&SystemCalls::open>(path, 0, 1, EINTR));
+  expect("fstat after the open", 1117, OpenWithFault<&SystemCalls::fstat>(path, 2, 1, EIO));
+  // Every sharing lock clashes: the opener gives up after its attempts.
+  expect("sharing lock keeps clashing", 32,
+         OpenWithFault<&SystemCalls::fcntl>(path, 0x10, 1, EAGAIN, kForever));
+  // A file system without open-file-description locks opens without the sharing check.
+  expect("no locks on the file system", 0,
+         OpenWithFault<&SystemCalls::fcntl>(path, 0x10, 1, EINVAL, kForever));
+  // Create-always truncates last; a failed truncation leaves the file as it was.
+  expect("truncation of create-always", 19, OpenWithFault<&SystemCalls::ftruncate>(path, 0xFFFF, 1, EROFS));
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ std::wstring SelfPath() {
 #endif
 }
 
-// This binary as a command line running one of the child routines below.
+// This binary as a command line running a child routine.
 std::wstring SelfCommand(const std::wstring& routineAndArguments) {
   return L"\"" + SelfPath() + L"\" --util-child=" + routineAndArguments;
 }
@@ -73,8 +73,8 @@ TEST(ExcuteCmdLine, ExitCodesOutputAndRefusals) {
   EXPECT_NE(std::string::npos, output.find(std::string(kBytes, 'x')));  // all the bytes, in one run
   EXPECT_EQ(std::string::npos, output.find(std::string(kBytes + 1, 'x')));
 
-  // Nothing to run leaves the code untouched; Windows refuses a missing program, while the Linux
-  // shell starts and reports it as 127.
+  // Nothing to run leaves the code untouched; Windows refuses a missing program, the Linux shell
+  // reports it as 127.
   code = 1234;
   EXPECT_FALSE(DE::ExcuteCmdLine(L"", kLongWait, &code, &output));
   EXPECT_EQ(1234u, code);
