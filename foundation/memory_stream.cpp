@@ -22,6 +22,18 @@ unsigned char FoldAscii(unsigned char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + 32) : c;
 }
 
+// The sign of the first difference over `length` bytes, byte i of each side given by a(i), b(i).
+// The comparisons run over max(size, other size) + 1 bytes, so the terminators take part.
+template <typename ByteA, typename ByteB>
+int CompareBytes(long long length, ByteA a, ByteB b, bool foldCase) {
+  for (long long i = 0; i < length; ++i) {
+    const unsigned char x = foldCase ? FoldAscii(a(i)) : a(i);
+    const unsigned char y = foldCase ? FoldAscii(b(i)) : b(i);
+    if (x != y) return Sign(static_cast<int>(x) - static_cast<int>(y));
+  }
+  return 0;
+}
+
 }  // namespace
 
 MemoryrStream::MemoryrStream() : memory_(nullptr), size_(0), position_(0), capacity_(0), fixedCapacity_(0) {}
@@ -205,49 +217,29 @@ std::wstring MemoryrStream::ToWString() const {
   return detail::FromUtf16(units.data(), units.size());
 }
 
-int MemoryrStream::CompareBytes(const char* other, long long otherSize, bool foldCase) const {
-  // The buffers are compared over max(size, otherSize) + 1 bytes, so the terminators take part.
-  // `other` has otherSize + 1 readable bytes (data and its terminator); past those, as past this
-  // stream's allocation, a byte counts as 0 instead of being read.
-  const long long length = (size_ > otherSize ? size_ : otherSize) + 1;
-  for (long long i = 0; i < length; ++i) {
-    unsigned char a = ByteAt(i);
-    unsigned char b = i <= otherSize ? static_cast<unsigned char>(other[i]) : 0;
-    if (foldCase) {
-      a = FoldAscii(a);
-      b = FoldAscii(b);
-    }
-    if (a != b) return Sign(static_cast<int>(a) - static_cast<int>(b));
-  }
-  return 0;
-}
-
-int MemoryrStream::Compare(const char* s) const {
+int MemoryrStream::CompareText(const char* s, bool foldCase) const {
   if (s == nullptr) return -1;
   if (*s == '\0') return IsEmpty() ? 0 : 1;
   if (IsEmpty()) return -1;
-  return CompareBytes(s, static_cast<long long>(std::strlen(s)), false);
+  // The text has strlen + 1 readable bytes (data and its terminator); past those a byte counts as 0.
+  const long long textSize = static_cast<long long>(std::strlen(s));
+  return CompareBytes(
+      std::max(size_, textSize) + 1, [this](long long i) { return ByteAt(i); },
+      [&](long long i) -> unsigned char { return i <= textSize ? static_cast<unsigned char>(s[i]) : 0; },
+      foldCase);
 }
+
+int MemoryrStream::Compare(const char* s) const { return CompareText(s, false); }
 
 int MemoryrStream::Compare(MemoryrStream& other) const {
   if (other.IsEmpty()) return IsEmpty() ? 0 : 1;
   if (IsEmpty()) return -1;
-  // The other buffer's readable extent is its allocation; bytes beyond it count as 0.
-  const long long length = (size_ > other.size_ ? size_ : other.size_) + 1;
-  for (long long i = 0; i < length; ++i) {
-    const unsigned char a = ByteAt(i);
-    const unsigned char b = other.ByteAt(i);
-    if (a != b) return Sign(static_cast<int>(a) - static_cast<int>(b));
-  }
-  return 0;
+  return CompareBytes(
+      std::max(size_, other.size_) + 1, [this](long long i) { return ByteAt(i); },
+      [&other](long long i) { return other.ByteAt(i); }, false);
 }
 
-int MemoryrStream::CompareNoCase(const char* s) const {
-  if (s == nullptr) return -1;
-  if (*s == '\0') return IsEmpty() ? 0 : 1;
-  if (IsEmpty()) return -1;
-  return CompareBytes(s, static_cast<long long>(std::strlen(s)), true);
-}
+int MemoryrStream::CompareNoCase(const char* s) const { return CompareText(s, true); }
 
 void MemoryrStream::Assign(MemoryrStream& other) {
   Clear();

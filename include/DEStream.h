@@ -185,7 +185,8 @@ class UTIL_API MemoryrStream : public Stream {
   unsigned char ByteAt(long long i) const;
   // Reallocation for a requested capacity (growable streams); false when memory ran out.
   bool Reallocate(long long requested);
-  int CompareBytes(const char* other, long long otherSize, bool foldCase) const;
+  // Compare / CompareNoCase against a text.
+  int CompareText(const char* s, bool foldCase) const;
 
   char* memory_;
   long long size_;
