@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 
+#include "platform/linux/descriptor.h"
 #include "platform/linux/system_calls.h"
 #include "platform/linux/win32_error.h"
 
@@ -103,10 +104,26 @@ DWORD TransferError(int fd, int error) {
   return Win32ErrorFromErrno(error);
 }
 
-void CloseQuietly(int fd) {
-  const int saved = errno;
-  Sys().close(fd);
-  errno = saved;
+// Moves up to `count` bytes in calls of at most kMaxTransfer bytes, call(offset, chunk) moving the
+// bytes from `offset` on; interrupted calls are retried. A short read ends the transfer (end of
+// file, or what a pipe had); a short write goes on with the rest.
+template <typename Call>
+bool Transfer(int fd, DWORD count, bool reading, DWORD* done, DWORD* error, Call call) {
+  DWORD total = 0;
+  while (total < count) {
+    const std::size_t chunk = std::min<std::size_t>(count - total, kMaxTransfer);
+    const ssize_t n = call(total, chunk);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      *done = total;
+      *error = TransferError(fd, errno);
+      return false;
+    }
+    total += static_cast<DWORD>(n);
+    if (reading && static_cast<std::size_t>(n) < chunk) break;
+  }
+  *done = total;
+  return true;
 }
 
 }  // namespace
@@ -119,74 +136,46 @@ int OpenSharedFile(const std::string& path, const SharedFileOpen& how, DWORD* er
   int flags = O_CLOEXEC | O_NOCTTY;
   flags |= how.read && how.write ? O_RDWR : how.write ? O_WRONLY : O_RDONLY;
   if (how.createAlways) flags |= O_CREAT;
-  int fd;
+  Descriptor fd;
   do {
-    fd = Sys().open(path.c_str(), flags, 0666);
-  } while (fd < 0 && errno == EINTR);
-  if (fd < 0) {
+    fd.Reset(Sys().open(path.c_str(), flags, 0666));
+  } while (!fd && errno == EINTR);
+  if (!fd) {
     *error = errno == ENOENT ? MissingError(path, how.createAlways) : Win32ErrorFromErrno(errno);
     return -1;
   }
+  // A failure below closes the descriptor, which drops every lock it announced.
   struct stat info;
-  if (Sys().fstat(fd, &info) != 0) {
+  if (Sys().fstat(fd.Get(), &info) != 0) {
     *error = LastWin32ErrorFromErrno();
-    CloseQuietly(fd);
     return -1;
   }
   if (S_ISDIR(info.st_mode)) {  // Windows opens a folder only with backup semantics
     *error = kErrorAccessDenied;
-    CloseQuietly(fd);
     return -1;
   }
-  const DWORD refused = CheckSharing(fd, how);
+  const DWORD refused = CheckSharing(fd.Get(), how);
   if (refused != kErrorSuccess) {
-    CloseQuietly(fd);  // drops every lock this description announced
     *error = refused;
     return -1;
   }
-  if (how.createAlways && S_ISREG(info.st_mode) && Sys().ftruncate(fd, 0) != 0) {
+  if (how.createAlways && S_ISREG(info.st_mode) && Sys().ftruncate(fd.Get(), 0) != 0) {
     *error = LastWin32ErrorFromErrno();
-    CloseQuietly(fd);
     return -1;
   }
-  return fd;
+  return fd.Release();
 }
 
 bool ReadSharedFile(int fd, void* buffer, DWORD count, DWORD* done, DWORD* error) {
   char* out = static_cast<char*>(buffer);
-  DWORD total = 0;
-  while (total < count) {
-    const std::size_t chunk = std::min<std::size_t>(count - total, kMaxTransfer);
-    const ssize_t n = Sys().read(fd, out + total, chunk);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      *done = total;
-      *error = TransferError(fd, errno);
-      return false;
-    }
-    total += static_cast<DWORD>(n);
-    if (static_cast<std::size_t>(n) < chunk) break;  // end of file, or what a pipe had
-  }
-  *done = total;
-  return true;
+  return Transfer(fd, count, true, done, error,
+                  [&](DWORD offset, std::size_t chunk) { return Sys().read(fd, out + offset, chunk); });
 }
 
 bool WriteSharedFile(int fd, const void* buffer, DWORD count, DWORD* done, DWORD* error) {
   const char* in = static_cast<const char*>(buffer);
-  DWORD total = 0;
-  while (total < count) {
-    const std::size_t chunk = std::min<std::size_t>(count - total, kMaxTransfer);
-    const ssize_t n = Sys().write(fd, in + total, chunk);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      *done = total;
-      *error = TransferError(fd, errno);
-      return false;
-    }
-    total += static_cast<DWORD>(n);
-  }
-  *done = total;
-  return true;
+  return Transfer(fd, count, false, done, error,
+                  [&](DWORD offset, std::size_t chunk) { return Sys().write(fd, in + offset, chunk); });
 }
 
 bool SeekSharedFile(int fd, long long offset, DWORD origin, long long* position, DWORD* error) {
