@@ -25,11 +25,15 @@ int ToDescriptor(HANDLE file) {
   return static_cast<int>(value);
 }
 
-// Returns ok, setting the last error from `error` when it is false. Callers make the call first:
-// as two arguments of one call, the code could be read before the call that sets it.
-bool Report(bool ok, DWORD error) {
-  if (!ok) SetLastErrorCode(error);
-  return ok;
+// Runs call(fd, &error) on the handle's descriptor; a failure leaves `error` as the last error.
+template <typename Call>
+bool OnDescriptor(HANDLE file, Call call) {
+  const int fd = ToDescriptor(file);
+  if (fd < 0) return false;
+  DWORD error = 0;
+  if (call(fd, &error)) return true;
+  SetLastErrorCode(error);
+  return false;
 }
 
 }  // namespace
@@ -52,44 +56,25 @@ HANDLE Open(const std::wstring& path, const OpenRequest& request) {
 
 bool Read(HANDLE file, void* buffer, DWORD count, DWORD* done) {
   *done = 0;
-  const int fd = ToDescriptor(file);
-  if (fd < 0) return false;
-  DWORD error = 0;
-  const bool ok = linux_impl::ReadSharedFile(fd, buffer, count, done, &error);
-  return Report(ok, error);
+  return OnDescriptor(
+      file, [&](int fd, DWORD* error) { return linux_impl::ReadSharedFile(fd, buffer, count, done, error); });
 }
 
 bool Write(HANDLE file, const void* buffer, DWORD count, DWORD* done) {
   *done = 0;
-  const int fd = ToDescriptor(file);
-  if (fd < 0) return false;
-  DWORD error = 0;
-  const bool ok = linux_impl::WriteSharedFile(fd, buffer, count, done, &error);
-  return Report(ok, error);
+  return OnDescriptor(file, [&](int fd, DWORD* error) {
+    return linux_impl::WriteSharedFile(fd, buffer, count, done, error);
+  });
 }
 
 bool Seek(HANDLE file, long long offset, DWORD origin, long long* position) {
-  const int fd = ToDescriptor(file);
-  if (fd < 0) return false;
-  DWORD error = 0;
-  const bool ok = linux_impl::SeekSharedFile(fd, offset, origin, position, &error);
-  return Report(ok, error);
+  return OnDescriptor(file, [&](int fd, DWORD* error) {
+    return linux_impl::SeekSharedFile(fd, offset, origin, position, error);
+  });
 }
 
-bool SetEnd(HANDLE file) {
-  const int fd = ToDescriptor(file);
-  if (fd < 0) return false;
-  DWORD error = 0;
-  const bool ok = linux_impl::SetEndOfSharedFile(fd, &error);
-  return Report(ok, error);
-}
+bool SetEnd(HANDLE file) { return OnDescriptor(file, linux_impl::SetEndOfSharedFile); }
 
-bool Close(HANDLE file) {
-  const int fd = ToDescriptor(file);
-  if (fd < 0) return false;
-  DWORD error = 0;
-  const bool ok = linux_impl::CloseSharedFile(fd, &error);
-  return Report(ok, error);
-}
+bool Close(HANDLE file) { return OnDescriptor(file, linux_impl::CloseSharedFile); }
 
 }  // namespace DE::detail::file_io
