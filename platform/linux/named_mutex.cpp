@@ -183,11 +183,10 @@ NamedMutex* MappingRegistry::Attach(int fd, DWORD* error) {
     return nullptr;
   }
   SharedBlock* block = static_cast<SharedBlock*>(memory);
-  Mapping* mapping =
-      block->magic == kBlockMagic && block->version == kBlockVersion ? new (std::nothrow) Mapping : nullptr;
+  const bool ourLayout = block->magic == kBlockMagic && block->version == kBlockVersion;
+  Mapping* mapping = ourLayout ? new (std::nothrow) Mapping : nullptr;
   if (mapping == nullptr) {
-    *error = block->magic == kBlockMagic && block->version == kBlockVersion ? kErrorNotEnoughMemory
-                                                                            : kErrorInvalidHandle;
+    *error = ourLayout ? kErrorNotEnoughMemory : kErrorInvalidHandle;
     Sys().munmap(memory, sizeof(SharedBlock));
     return nullptr;
   }
