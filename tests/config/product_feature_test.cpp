@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <sstream>
 #include <string>
+#include <utility>
 
 #include "ProductFeature.h"
 #include "common/temp_dir.h"
@@ -24,25 +24,25 @@ using Peer = ProductFeatureInspector;
 using PF = ProductAdapt::ProductFeature;
 
 // The element names and their getters, in flag order.
-const char kNames[] =
-    "fingerprint btgpio wifigpio cpupower trifingersnipper wifibiosrepair energystar setepp sqgdata timeback "
-    "VrAssisant npspopwnd livebroadcastmode officeActiveStatusCheck integratedGraphics";
-using Getter = int (PF::*)(bool&) const;
 // clang-format off
-const Getter kGetters[] = {
-    &PF::GetFingerprintStatus, &PF::GetBtGpioStatus, &PF::GetWifiGpioStatus, &PF::GetCpuPowerStatus,
-    &PF::GetTriFingerSnipperStatus, &PF::GetWifiBiosRepairStatus, &PF::GetEnergyStarStatus,
-    &PF::GetEppSettingStatus, &PF::GetSQGDataStatus, &PF::GetSupportTimeBackStatus,
-    &PF::GetSupportVrAssisantStatus, &PF::GetSupportNpsPopStatus, &PF::GetSupportLiveBroadcast,
-    &PF::GetSupportOfficeCheck, &PF::GetSupportIntegratedGraphics};
+const std::pair<const char*, int (PF::*)(bool&) const> kFeatures[] = {
+    {"fingerprint", &PF::GetFingerprintStatus},        {"btgpio", &PF::GetBtGpioStatus},
+    {"wifigpio", &PF::GetWifiGpioStatus},              {"cpupower", &PF::GetCpuPowerStatus},
+    {"trifingersnipper", &PF::GetTriFingerSnipperStatus},
+    {"wifibiosrepair", &PF::GetWifiBiosRepairStatus},  {"energystar", &PF::GetEnergyStarStatus},
+    {"setepp", &PF::GetEppSettingStatus},              {"sqgdata", &PF::GetSQGDataStatus},
+    {"timeback", &PF::GetSupportTimeBackStatus},       {"VrAssisant", &PF::GetSupportVrAssisantStatus},
+    {"npspopwnd", &PF::GetSupportNpsPopStatus},        {"livebroadcastmode", &PF::GetSupportLiveBroadcast},
+    {"officeActiveStatusCheck", &PF::GetSupportOfficeCheck},
+    {"integratedGraphics", &PF::GetSupportIntegratedGraphics}};
 // clang-format on
 
 // "1" or "0" per feature, and checks every getter returns `status`.
 std::string Flags(const PF& features, int status) {
   std::string flags;
-  for (auto get : kGetters) {
+  for (const auto& feature : kFeatures) {
     bool out = true;
-    EXPECT_EQ(status, (features.*get)(out));
+    EXPECT_EQ(status, (features.*feature.second)(out));
     flags += out ? '1' : '0';
   }
   return flags;
@@ -98,9 +98,8 @@ TEST(ProductFeature, SupportLists) {
   ASSERT_EQ(0, LoadText(*features, dir, "<f/>"));
   EXPECT_EQ("000000000000001", Flags(*features, 0));
 
-  std::istringstream names(kNames);
-  std::string name;
-  for (int i = 0; names >> name; ++i) {  // each element name reaches its own getter
+  for (std::size_t i = 0; i < 15; ++i) {  // each element name reaches its own getter
+    const std::string name = kFeatures[i].first;
     auto one = Peer::Fresh();
     ASSERT_EQ(0, LoadText(*one, dir, "<f><" + name + "><support>;</support></" + name + "></f>"));
     std::string expected(15, '0');

@@ -7,126 +7,85 @@
 
 namespace {
 
-using DE::detail::ComputeWindowsVersion;
 using DE::detail::OsVersionFields;
 using DE::detail::WindowsVersionRecord;
 
-// The answers the fake queries give, and the letters of the queries made, in order:
-// Architecture, Workstation, Kernel, R2.
+// What the fake queries answer; a query whose ok flag is false fails after writing its outputs.
 struct FakeSystem {
-  bool versionOk = true, workstationOk = true, kernelOk = true;
-  WindowsVersionRecord record;
-  int nativeArchitecture = 9, workstationMajor = 0, workstationMinor = 0, serverR2 = 0;
-  std::uint32_t kernelMs = 0, kernelLs = 0;
-  std::string asked;
+  bool versionOk;
+  WindowsVersionRecord record;  // major, minor, build, service pack major and minor, product type
+  int nativeArchitecture;
+  bool workstationOk;
+  int workstationMajor, workstationMinor;
+  bool kernelOk;  // kernel32's product version is 10.0.19045.1
+  int serverR2;
 } fake;
+// The queries made, in order: Architecture, Workstation, Kernel, R2.
+std::string asked;
 
-// Records the query and gives its answer.
 template <typename T>
 T Ask(char query, T answer) {
-  fake.asked += query;
+  asked += query;
   return answer;
 }
 
 int FakeServerR2() { return Ask('R', fake.serverR2); }
 
 const DE::detail::WindowsVersionQueries kQueries = {
-    [](WindowsVersionRecord& r) { return fake.versionOk && (r = fake.record, true); },
+    [](WindowsVersionRecord& r) { return (r = fake.record, fake.versionOk); },
     [] { return Ask('A', fake.nativeArchitecture); },
     [](int& major, int& minor) {
       major = fake.workstationMajor, minor = fake.workstationMinor;
       return Ask('W', fake.workstationOk);
     },
     [](std::uint32_t& ms, std::uint32_t& ls) {
-      ms = fake.kernelMs, ls = fake.kernelLs;
+      ms = 0x000A0000, ls = 0x4A650001;
       return Ask('K', fake.kernelOk);
     },
     FakeServerR2};
 
-// major, minor, build and name of the computed fields, in one comparable text.
-std::wstring Summary(const OsVersionFields& f) {
-  return std::to_wstring(f.major) + L"." + std::to_wstring(f.minor) + L"." + std::to_wstring(f.build) + L" " +
-         f.name;
-}
-
-class WindowsVersionRules : public ::testing::Test {
- protected:
-  void SetUp() override { fake = FakeSystem(); }
-  // Runs the algorithm afresh, recording only this run's queries.
-  static OsVersionFields Compute() {
-    fake.asked.clear();
-    return ComputeWindowsVersion(kQueries);
+TEST(WindowsVersionRules, ComputedFields) {
+  struct Row {
+    FakeSystem system;
+    const wchar_t* fields;  // "major.minor.build spMajor.spMinor architecture name"
+    const char* asked;
+  };
+  // clang-format off
+  const Row rows[] = {
+      // A shimmed GetVersionExW says 6.2; the workstation service knows it is 10.0 (and has no build).
+      {{true, {6, 2, 9200, 0, 0, 1}, 9, true, 10, 0, true, 0}, L"10.0.0 0.0 1 Windows", "AW"},
+      // The service failing: kernel32's resource, whatever the failed call left behind.
+      {{true, {6, 2, 9200, 0, 0, 1}, 9, false, 77, 0, true, 0}, L"10.0.19045 0.0 1 Windows", "AWK"},
+      // Both failing zero the numbers; the name stays "Windows".
+      {{true, {6, 2, 9200, 0, 0, 1}, 9, false, 77, 0, false, 0}, L"0.0.0 0.0 1 Windows", "AWK"},
+      // The service pack and product type come from the record: Server 2008 R2 SP1, then Windows 7.
+      {{true, {6, 1, 7601, 1, 2, 3}, 9, true, 6, 1, true, 0}, L"6.1.0 1.2 1 Windows Server 2008 R2", "AW"},
+      {{true, {6, 1, 7601, 1, 2, 1}, 9, true, 6, 1, true, 0}, L"6.1.0 1.2 1 Windows 7", "AW"},
+      // 5.2 through the whole algorithm: the architecture and SM_SERVERR2 reach the name.
+      {{true, {5, 2, 3790, 2, 0, 1}, 0, true, 5, 2, true, 1}, L"5.2.0 2.0 0 Windows Server 2003 R2", "AWR"},
+      // XP SP3: no unshimmed query, the record's build stays; the architecture is asked from 5.1 on.
+      {{true, {5, 1, 2600, 3, 0, 1}, 9, true, 10, 0, true, 0}, L"5.1.2600 3.0 1 Windows XP", "A"},
+      {{true, {5, 0, 2195, 4, 0, 1}, 9, true, 10, 0, true, 0}, L"5.0.2195 4.0 0 Windows 2000", ""},
+      // The unshimmed query runs for any minor of 2 or more, even below major 5.
+      {{true, {4, 2, 1, 0, 0, 1}, 9, true, 4, 2, true, 0}, L"4.2.0 0.0 0 Windows", "W"},
+      // GetVersionExW failing: zeros, no name, nothing else asked.
+      {{false, {6, 1, 7601, 1, 0, 1}, 9, true, 10, 0, true, 0}, L"0.0.0 0.0 0 ", ""}};
+  // clang-format on
+  for (const Row& row : rows) {
+    SCOPED_TRACE(testing::Message() << "row " << &row - rows);
+    fake = row.system;
+    asked.clear();
+    const OsVersionFields f = DE::detail::ComputeWindowsVersion(kQueries);
+    EXPECT_EQ(row.fields, std::to_wstring(f.major) + L"." + std::to_wstring(f.minor) + L"." +
+                              std::to_wstring(f.build) + L" " + std::to_wstring(f.servicePackMajor) + L"." +
+                              std::to_wstring(f.servicePackMinor) + L" " + std::to_wstring(f.architecture) +
+                              L" " + f.name);
+    EXPECT_EQ(0, f.platform);
+    EXPECT_EQ(row.asked, asked);
   }
-};
-
-TEST_F(WindowsVersionRules, UnshimmedNumbers) {
-  // A shimmed GetVersionExW says 6.2; the workstation service knows it is 10.0 (and has no build).
-  fake.record = {6, 2, 9200, 0, 0, 1};
-  fake.workstationMajor = 10;
-  fake.kernelMs = 0x000A0000;
-  fake.kernelLs = 0x4A650001;
-  const OsVersionFields f = Compute();
-  EXPECT_EQ(L"10.0.0 Windows", Summary(f));
-  EXPECT_EQ(1, f.architecture);
-  EXPECT_EQ(0, f.platform);
-  EXPECT_EQ("AW", fake.asked);
-
-  // The service failing: kernel32's resource, whatever the failed call left behind.
-  fake.workstationOk = false;
-  fake.workstationMajor = 77;
-  EXPECT_EQ(L"10.0.19045 Windows", Summary(Compute()));
-  EXPECT_EQ("AWK", fake.asked);
-  // Both failing zero the numbers; the name stays "Windows".
-  fake.kernelOk = false;
-  EXPECT_EQ(L"0.0.0 Windows", Summary(Compute()));
 }
 
-TEST_F(WindowsVersionRules, ServicePackAndProductTypeComeFromTheVersionRecord) {
-  fake.record = {6, 1, 7601, 1, 2, 3};  // Server 2008 R2 SP1
-  fake.workstationMajor = 6;
-  fake.workstationMinor = 1;
-  const OsVersionFields f = Compute();
-  EXPECT_EQ(L"6.1.0 Windows Server 2008 R2", Summary(f));
-  EXPECT_EQ(1, f.servicePackMajor);
-  EXPECT_EQ(2, f.servicePackMinor);
-  fake.record.productType = 1;
-  EXPECT_EQ(L"Windows 7", Compute().name);
-
-  // 5.2 through the whole algorithm: the architecture and SM_SERVERR2 reach the name.
-  fake.record = {5, 2, 3790, 2, 0, 1};
-  fake.workstationMajor = 5;
-  fake.workstationMinor = 2;
-  fake.nativeArchitecture = 0;
-  fake.serverR2 = 1;
-  EXPECT_EQ(L"Windows Server 2003 R2", Compute().name);
-  EXPECT_EQ("AWR", fake.asked);
-}
-
-TEST_F(WindowsVersionRules, OlderReleasesAndFailures) {
-  // XP SP3: no unshimmed query, the record's build stays; the architecture is asked from 5.1 on.
-  fake.record = {5, 1, 2600, 3, 0, 1};
-  fake.nativeArchitecture = 0;
-  EXPECT_EQ(L"5.1.2600 Windows XP", Summary(Compute()));
-  EXPECT_EQ("A", fake.asked);
-  // 2000: the native architecture is not asked at all.
-  fake.record = {5, 0, 2195, 4, 0, 1};
-  EXPECT_EQ(L"5.0.2195 Windows 2000", Summary(Compute()));
-  EXPECT_EQ("", fake.asked);
-  // The unshimmed query runs for any minor of 2 or more, even below major 5.
-  fake.record = {4, 2, 1, 0, 0, 1};
-  fake.workstationMajor = 4;
-  fake.workstationMinor = 2;
-  EXPECT_EQ(L"4.2.0 Windows", Summary(Compute()));
-  EXPECT_EQ("W", fake.asked);
-  // GetVersionExW failing: zeros, no name, nothing else asked.
-  fake.versionOk = false;
-  const OsVersionFields f = Compute();
-  EXPECT_EQ(L"0.0.0 ", Summary(f));
-  EXPECT_EQ(0, f.architecture);
-  EXPECT_EQ("", fake.asked);
-}
-
-TEST_F(WindowsVersionRules, NameTable) {
+TEST(WindowsVersionRules, NameTable) {
   struct Row {
     int major, minor, productType, architecture, serverR2;
     const wchar_t* name;
