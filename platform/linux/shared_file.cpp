@@ -1,3 +1,4 @@
+// Windows file sharing and transfers over Linux descriptors. Only Linux-specific code goes in this file.
 #include "platform/linux/shared_file.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// The errno to Win32 code table of the Linux substitutes. Only Linux-specific code goes in this file.
 #include "platform/linux/win32_error.h"
 
 #include <cerrno>
