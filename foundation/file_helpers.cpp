@@ -2,20 +2,12 @@
 #include <system_error>
 
 #include "DEFile.h"
+#include "DEString.h"
 #include "foundation/file_helpers_platform.h"
-#include "foundation/text_codec.h"
 
 namespace DE {
 namespace fs = std::filesystem;
 namespace {
-
-std::wstring FromAnsi(const std::string& text) {
-  return detail::ToWide(detail::CodePage::Ansi, text.data(), text.size());
-}
-
-std::string ToAnsi(const std::wstring& text) {
-  return detail::FromWide(detail::CodePage::Ansi, text.data(), text.size());
-}
 
 bool IsSeparator(wchar_t c) { return c == L'/' || c == detail::kPathSeparator; }
 
@@ -28,7 +20,7 @@ bool FileExists(const std::wstring& path) {
   return !error && fs::exists(status) && !fs::is_directory(status);
 }
 
-bool FileExists(const std::string& path) { return FileExists(FromAnsi(path)); }
+bool FileExists(const std::string& path) { return FileExists(StringProc::StringToWString(path)); }
 
 bool ForceDirectories(const std::wstring& path) {
   if (path.empty()) return false;
@@ -38,7 +30,7 @@ bool ForceDirectories(const std::wstring& path) {
   return fs::is_directory(native, error);
 }
 
-bool ForceDirectories(const std::string& path) { return ForceDirectories(FromAnsi(path)); }
+bool ForceDirectories(const std::string& path) { return ForceDirectories(StringProc::StringToWString(path)); }
 
 bool DeleteDeepDirectoryW(const std::wstring& path) {
   if (path.empty()) return false;
@@ -49,7 +41,9 @@ bool DeleteDeepDirectoryW(const std::wstring& path) {
   return !error && !fs::exists(fs::symlink_status(native, error));
 }
 
-bool DeleteDeepDirectory(const std::string& path) { return DeleteDeepDirectoryW(FromAnsi(path)); }
+bool DeleteDeepDirectory(const std::string& path) {
+  return DeleteDeepDirectoryW(StringProc::StringToWString(path));
+}
 
 std::wstring GetCurrentPathW() {
   const std::wstring executable = detail::ExecutablePath();
@@ -58,7 +52,7 @@ std::wstring GetCurrentPathW() {
   return executable.substr(0, end);
 }
 
-std::string GetCurrentPathA() { return ToAnsi(GetCurrentPathW()); }
+std::string GetCurrentPathA() { return StringProc::WStringToString(GetCurrentPathW()); }
 
 std::wstring GetUserAppdataFullFile(const std::wstring& fileName) {
   const std::wstring folder = detail::UserAppDataFolder();
@@ -69,7 +63,7 @@ std::wstring GetUserAppdataFullFile(const std::wstring& fileName) {
 }
 
 std::string GetUserAppdataFullFile(const std::string& fileName) {
-  return ToAnsi(GetUserAppdataFullFile(FromAnsi(fileName)));
+  return StringProc::WStringToString(GetUserAppdataFullFile(StringProc::StringToWString(fileName)));
 }
 
 std::wstring SysErrorMessageW(DWORD code) {

@@ -5,9 +5,9 @@
 #include <ostream>
 
 #include "DEStream.h"
+#include "DEString.h"
 #include "foundation/file_io.h"
 #include "foundation/last_error.h"
-#include "foundation/text_codec.h"
 
 namespace DE {
 namespace {
@@ -78,7 +78,7 @@ HANDLE FileOpen(const std::wstring& path, unsigned long mode) {
 }
 
 HANDLE FileOpen(const std::string& path, unsigned long mode) {
-  return FileOpen(detail::ToWide(detail::CodePage::Ansi, path.data(), path.size()), mode);
+  return FileOpen(StringProc::StringToWString(path), mode);
 }
 
 bool FileClose(HANDLE handle) {
