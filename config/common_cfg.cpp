@@ -35,9 +35,7 @@ CommonCfgMgr* CommonCfgMgr::GetInstance() {
 
 CommonCfgMgr::CommonCfgMgr() { ReadConfigFile(ConfigFilePath()); }
 
-CommonCfgMgr::CommonCfgMgr(const std::string& path, FactsSource facts) : facts_(facts) {
-  ReadConfigFile(path);
-}
+CommonCfgMgr::CommonCfgMgr(const std::string& path, FactSource facts) : fact_(facts) { ReadConfigFile(path); }
 
 CommonCfgMgr::CommonCfgMgr(const CommonCfgMgr& other) = default;
 CommonCfgMgr& CommonCfgMgr::operator=(const CommonCfgMgr& other) = default;
@@ -47,17 +45,22 @@ std::string CommonCfgMgr::ConfigFilePath() {
   return DE::detail::JoinPath(DE::detail::LibraryFolder(), {"config", "commoncfg.xml"});
 }
 
-CommonCfgMgr::Facts CommonCfgMgr::SystemFacts() {
-  Facts facts;
-  facts.componentVersion = PxsCoreValue(L"C_version");
-  facts.pxsCoreVersion = PxsCoreValue(L"Version");
-  const DE::OSVersion os;
-  facts.osVersion =
-      std::to_string(os.Major()) + "." + std::to_string(os.Minor()) + "." + std::to_string(os.Build());
-  SystemInfo info;
-  facts.deviceType = info.GetDeviceType();
-  facts.serialNumber = info.GetDeviceSerialNumberEx();
-  return facts;
+std::string CommonCfgMgr::SystemFact(Fact fact) {
+  switch (fact) {
+    case Fact::ComponentVersion:
+      return PxsCoreValue(L"C_version");
+    case Fact::PxsCoreVersion:
+      return PxsCoreValue(L"Version");
+    case Fact::OsVersion: {
+      const DE::OSVersion os;
+      return std::to_string(os.Major()) + "." + std::to_string(os.Minor()) + "." + std::to_string(os.Build());
+    }
+    case Fact::DeviceType:
+      return SystemInfo().GetDeviceType();
+    case Fact::SerialNumber:
+      return SystemInfo().GetDeviceSerialNumberEx();
+  }
+  return std::string();
 }
 
 void CommonCfgMgr::ReadConfigFile(const std::string& path) {
@@ -94,7 +97,7 @@ void CommonCfgMgr::ReadConfigFile(const std::string& path) {
     const ZnXmlElement update = root.FirstNode("update");
     if (!update.IsElementNull()) {
       // An empty device type must not pick "any first child": it goes straight to "default".
-      const std::string deviceType = facts_().deviceType;
+      const std::string deviceType = fact_(Fact::DeviceType);
       ZnXmlElement section = deviceType.empty() ? ZnXmlElement() : update.FirstNode(deviceType);
       if (section.IsElementNull()) section = update.FirstNode("default");
       autoUpdate_ = IsOn(section, "AutoUpdate");

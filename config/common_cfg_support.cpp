@@ -38,15 +38,15 @@ bool CommonCfgMgr::IsSupportPackage(const std::string& package) {
   return IsSupport(package, packageInclude_);
 }
 
-bool CommonCfgMgr::IsSupportCVersion() { return IsSupport(facts_().componentVersion, cVersions_); }
+bool CommonCfgMgr::IsSupportCVersion() { return IsSupport(fact_(Fact::ComponentVersion), cVersions_); }
 
-bool CommonCfgMgr::IsSupportOS() { return IsSupport(facts_().osVersion, operatingSystems_); }
+bool CommonCfgMgr::IsSupportOS() { return IsSupport(fact_(Fact::OsVersion), operatingSystems_); }
 
-bool CommonCfgMgr::IsSupportDevice() { return IsSupport(facts_().deviceType, deviceNames_); }
+bool CommonCfgMgr::IsSupportDevice() { return IsSupport(fact_(Fact::DeviceType), deviceNames_); }
 
-bool CommonCfgMgr::IsSupportIMEI() { return IsSupport(facts_().serialNumber, serialNumbers_); }
+bool CommonCfgMgr::IsSupportIMEI() { return IsSupport(fact_(Fact::SerialNumber), serialNumbers_); }
 
-bool CommonCfgMgr::IsSupportNimbra() { return IsSupport(facts_().pxsCoreVersion, pxsCoreVersions_); }
+bool CommonCfgMgr::IsSupportNimbra() { return IsSupport(fact_(Fact::PxsCoreVersion), pxsCoreVersions_); }
 
 bool CommonCfgMgr::IsSupport(const std::string& value, std::vector<std::string>& patterns) {
   if (patterns.empty()) return true;

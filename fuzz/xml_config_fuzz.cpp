@@ -15,9 +15,12 @@
 #include "ZnXml.h"
 
 struct CommonCfgMgrInspector {
-  static CommonCfgMgr::Facts Facts() { return CommonCfgMgr::Facts{"2.5.1", "10.0.0", "1.0", "DevA", "SN1"}; }
+  static std::string Fact(CommonCfgMgr::Fact fact) {
+    const char* const values[] = {"2.5.1", "10.0.0", "1.0", "DevA", "SN1"};  // in the enumeration's order
+    return values[static_cast<int>(fact)];
+  }
   static bool Run(const std::string& path) {
-    CommonCfgMgr cfg(path, &Facts);
+    CommonCfgMgr cfg(path, &Fact);
     return cfg.IsSupport("SomeDriverPackage") && cfg.IsSupportNimbra() && cfg.IsSupportIdleUpdate("x");
   }
 };

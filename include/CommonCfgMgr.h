@@ -4,12 +4,13 @@
 // elements) leaves the defaults and is not reported. Read-only after construction, so any thread
 // may call the getters.
 //
-// Values that the support tests judge, and where they come from:
-//   installed component version (C_version): HKLM "SOFTWARE\PXS Core" value "C_version" (pending: ""
-//     until the registry class is available to this reader);
+// Values that the support tests judge, and where they come from (each read when a test asks for it,
+// so a test reads only its own value):
+//   installed component version (C_version): HKLM "SOFTWARE\PXS Core" value "C_version" (64-bit
+//     view), "" when absent;
 //   operating-system version (OS): "<major>.<minor>.<build>" of DE::OSVersion, e.g. "10.0.0" on
 //     Windows (the workstation service reports no build) or "6.1.0" for a Linux 6.1.0 kernel;
-//   PXS core version (PXSCoreVersion): HKLM "SOFTWARE\PXS Core" value "Version" (pending: "");
+//   PXS core version (PXSCoreVersion): HKLM "SOFTWARE\PXS Core" value "Version", "" when absent;
 //   device type and serial number: SystemInfo::GetDeviceType / GetDeviceSerialNumberEx.
 // A pattern list is judged by regular-expression search (ECMAScript, anywhere in the value); an
 // entry that is not a valid expression, or longer than 1024 characters, matches nothing.
@@ -64,19 +65,13 @@ class UTIL_API CommonCfgMgr {
   friend struct CommonCfgMgrInspector;
 
   // The machine values the support tests judge; see the file comment for their sources.
-  struct Facts {
-    std::string componentVersion;
-    std::string osVersion;
-    std::string pxsCoreVersion;
-    std::string deviceType;
-    std::string serialNumber;
-  };
-  using FactsSource = Facts (*)();
+  enum class Fact { ComponentVersion, OsVersion, PxsCoreVersion, DeviceType, SerialNumber };
+  using FactSource = std::string (*)(Fact fact);
 
-  CommonCfgMgr();                                            // defaults, then the file beside the library
-  CommonCfgMgr(const std::string& path, FactsSource facts);  // defaults, then that file
-  static Facts SystemFacts();
-  static std::string ConfigFilePath();  // "" when the library's folder cannot be found
+  CommonCfgMgr();                                           // defaults, then the file beside the library
+  CommonCfgMgr(const std::string& path, FactSource facts);  // defaults, then that file
+  static std::string SystemFact(Fact fact);                 // reads the one value asked for
+  static std::string ConfigFilePath();                      // "" when the library's folder cannot be found
 
   void ReadConfigFile(const std::string& path);
 
@@ -89,7 +84,7 @@ class UTIL_API CommonCfgMgr {
   // Empty list: every value; otherwise some entry found (regex search) in value.
   bool IsSupport(const std::string& value, std::vector<std::string>& patterns);
 
-  FactsSource facts_ = &CommonCfgMgr::SystemFacts;
+  FactSource fact_ = &CommonCfgMgr::SystemFact;
   std::string quorixHostUrl_;
   std::string quorixZotaTestUrl_;
   std::string hotSpotTestUrl_;

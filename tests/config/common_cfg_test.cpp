@@ -10,20 +10,20 @@
 
 // Builds instances from test files, with machine facts the test chooses.
 struct CommonCfgMgrInspector {
-  static CommonCfgMgr::Facts facts;
+  static std::vector<std::string> facts;  // in the order of CommonCfgMgr::Fact
   static int factsCalls;
-  static CommonCfgMgr::Facts Fake() {
+  static std::string Fake(CommonCfgMgr::Fact fact) {
     ++factsCalls;
-    return facts;
+    return facts.at(static_cast<std::size_t>(fact));
   }
   static CommonCfgMgr Load(const std::string& path, const std::string& device, const std::string& component,
                            const std::string& os, const std::string& pxs) {
-    facts = CommonCfgMgr::Facts{component, os, pxs, device, ""};
+    facts = {component, os, pxs, device, ""};
     return CommonCfgMgr(path, &Fake);
   }
   static bool Nimbra(CommonCfgMgr& cfg) { return cfg.IsSupportNimbra(); }
 };
-CommonCfgMgr::Facts CommonCfgMgrInspector::facts;
+std::vector<std::string> CommonCfgMgrInspector::facts;
 int CommonCfgMgrInspector::factsCalls = 0;
 
 namespace {

@@ -11,14 +11,21 @@
 
 // Loads named files through the readers' own code (they are friends of these structs).
 struct CommonCfgMgrInspector {
-  static CommonCfgMgr Load(const std::string& path) { return CommonCfgMgr(path, &CommonCfgMgr::SystemFacts); }
+  static CommonCfgMgr Load(const std::string& path) { return CommonCfgMgr(path, &CommonCfgMgr::SystemFact); }
   static std::vector<std::pair<const char*, const std::vector<std::string>*>> Lists(const CommonCfgMgr& cfg) {
     return {{"IdleExclude", &cfg.idleExclude_},       {"PackageExclude", &cfg.packageExclude_},
             {"PackageInclude", &cfg.packageInclude_}, {"PXSCoreVersion", &cfg.pxsCoreVersions_},
             {"C_version", &cfg.cVersions_},           {"OS", &cfg.operatingSystems_},
             {"DeviceName", &cfg.deviceNames_}};
   }
-  static CommonCfgMgr::Facts Facts() { return CommonCfgMgr::SystemFacts(); }
+  // The machine values the support tests judge, as "fact.<list>" lines.
+  static std::vector<std::pair<std::string, std::string>> Facts() {
+    using Fact = CommonCfgMgr::Fact;
+    return {{"C_version", CommonCfgMgr::SystemFact(Fact::ComponentVersion)},
+            {"OS", CommonCfgMgr::SystemFact(Fact::OsVersion)},
+            {"PXSCoreVersion", CommonCfgMgr::SystemFact(Fact::PxsCoreVersion)},
+            {"DeviceType", CommonCfgMgr::SystemFact(Fact::DeviceType)}};
+  }
 };
 
 struct ProductFeatureInspector {
@@ -71,11 +78,7 @@ int ShowCommon(const std::vector<std::string>& args) {
     for (const std::string& entry : *list.second) joined += (joined.empty() ? "" : ";") + entry;
     Show(list.first, joined);
   }
-  const auto facts = CommonCfgMgrInspector::Facts();
-  Show("fact.C_version", facts.componentVersion);
-  Show("fact.OS", facts.osVersion);
-  Show("fact.PXSCoreVersion", facts.pxsCoreVersion);
-  Show("fact.DeviceType", facts.deviceType);
+  for (const auto& fact : CommonCfgMgrInspector::Facts()) Show("fact." + fact.first, fact.second);
   return 0;
 }
 
