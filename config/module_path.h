@@ -1,5 +1,6 @@
-// Where the configuration readers look: the folder of this library and of the host executable.
-// Narrow paths as the XML wrapper opens them (Windows: ANSI code page; Linux: the file name's bytes).
+// Where the configuration readers look: the folder of this library, of the host executable, and
+// the library's application-data folder. Narrow paths as the XML wrapper opens them (Windows: the
+// ANSI code page; Linux: UTF-8, the bytes the file helpers give file names).
 #pragma once
 
 #include <initializer_list>
@@ -16,10 +17,17 @@ constexpr std::size_t kMaxModulePath = 260;
 std::string LibraryFolder();
 // Folder of the host executable, under the same rules.
 std::string HostExecutableFolder();
-// The platform's folder separator: '\\' on Windows, '/' on Linux.
-char PathSeparator();
+// The folder "Util" below the user's application-data folder of the file helpers (Windows:
+// %APPDATA%\Util; Linux: $XDG_DATA_HOME/Util, or ~/.local/share/Util when XDG_DATA_HOME is unset
+// or not absolute); "" when that folder is unknown. Nothing is created.
+std::string LibraryAppDataFolder();
 
-// folder + separator + each part, joined with the separator; "" when folder is "".
+// A wide path in the narrow form above (the platform binding).
+std::string NarrowPath(const std::wstring& path);
+// The folder part of a module's file name; "" when the name is empty or kMaxModulePath bytes or
+// longer.
+std::string ModuleFileFolder(const std::string& file);
+// folder + separator + each part, joined with the platform's separator; "" when folder is "".
 std::string JoinPath(const std::string& folder, std::initializer_list<const char*> parts);
 // The text before the last separator ('\\' or '/') of a file name; "" when it has none.
 std::string FolderOf(const std::string& file);

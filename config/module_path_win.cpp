@@ -1,5 +1,5 @@
-// Windows lookup of the library's and the host's module file names. Only Windows-specific code
-// goes in this file.
+// Windows lookup of the library's own module file and the narrow path form. Only Windows-specific
+// code goes in this file.
 #include "UtilPlatform.h"
 
 #include <vector>
@@ -9,19 +9,6 @@
 
 namespace DE::detail {
 
-namespace {
-
-std::string ModuleFolder(HMODULE module) {
-  std::vector<wchar_t> name(32768);
-  const DWORD length = GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
-  if (length == 0 || length >= name.size()) return std::string();
-  const std::string narrow = FromWide(CodePage::Ansi, name.data(), length);
-  if (narrow.size() >= kMaxModulePath) return std::string();
-  return FolderOf(narrow);
-}
-
-}  // namespace
-
 std::string LibraryFolder() {
   HMODULE self = nullptr;
   // The module that holds this very function is Util.dll, whatever it was renamed to.
@@ -30,11 +17,14 @@ std::string LibraryFolder() {
           reinterpret_cast<LPCWSTR>(&LibraryFolder), &self)) {
     return std::string();
   }
-  return ModuleFolder(self);
+  std::vector<wchar_t> name(32768);
+  const DWORD length = GetModuleFileNameW(self, name.data(), static_cast<DWORD>(name.size()));
+  if (length == 0 || length >= name.size()) return std::string();
+  return ModuleFileFolder(NarrowPath(std::wstring(name.data(), length)));
 }
 
-std::string HostExecutableFolder() { return ModuleFolder(nullptr); }
-
-char PathSeparator() { return '\\'; }
+std::string NarrowPath(const std::wstring& path) {
+  return FromWide(CodePage::Ansi, path.data(), path.size());
+}
 
 }  // namespace DE::detail

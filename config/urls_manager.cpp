@@ -4,7 +4,6 @@
 #include <exception>
 
 #include "ZnXml.h"
-#include "config/app_data.h"
 #include "config/module_path.h"
 
 namespace qda {
