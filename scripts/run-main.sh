@@ -19,6 +19,4 @@ printf '\n$ utl convert utf8 utf16 "Grüße" | utl hex encode\n'
 "$utl" convert utf8 utf16 "Grüße" | "$utl" hex encode
 step base64 encode "Many hands make light work."
 step hex encode "Util"
-for extra in osversion; do
-  if "$utl" help | grep -q "^  $extra "; then step "$extra"; fi
-done
+step osversion
