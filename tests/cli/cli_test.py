@@ -145,6 +145,22 @@ class ToolAgainstWindowsBuild(unittest.TestCase):
         self.assertEqual(windows_utl(["convert", "ansi", "utf16"], ansi_bytes).stdout,
                          utl(["convert", "ansi", "utf16"], ansi_bytes).stdout)
 
+    def test_record_files_agree(self):
+        # The same SimpleFileItem list from both builds (a folder with backslashes and a Latin-1
+        # letter, CJK names, one outside the BMP): identical bytes, and each build reads the other's.
+        # Wine reads arguments in the locale's character set: C.UTF-8 is the UTF-8 locale every
+        # system has.
+        names = ["plain.txt", "\u4e2d\u6587.doc", "smile-\U0001F600.png", "x"]
+        with tempfile.TemporaryDirectory() as folder:
+            ours, theirs = os.path.join(folder, "linux.rec"), os.path.join(folder, "windows.rec")
+            utl(["record-make", ours, "C:\\Data\\caf\u00e9\\sub"] + names)
+            windows_utl(["record-make", theirs, "C:\\Data\\caf\u00e9\\sub"] + names, locale="C.UTF-8")
+            self.assertEqual(Path(ours).read_bytes(), Path(theirs).read_bytes())
+            dump = utl(["record-dump", theirs]).stdout
+            self.assertEqual(dump, windows_utl(["record-dump", ours], locale="C.UTF-8").stdout)
+            self.assertIn(b"4 item(s)", dump)
+            self.assertIn(names[2].encode(), dump)
+
     def test_double_byte_page_agrees(self):
         text = (SAMPLES[1] + "\u20ac abc").encode("utf-8")
         self.assertEqual(windows_utl(["convert", "utf8", "ansi"], text, "zh_CN.UTF-8").stdout,

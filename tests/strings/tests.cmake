@@ -6,6 +6,4 @@ if(CMAKE_CROSSCOMPILING)
 else()
   util_add_gtest(strings_cp1252 strings_test ENV UTIL_ANSI_CODEPAGE=CP1252)
   util_add_gtest(strings_cp936 strings_test ENV UTIL_ANSI_CODEPAGE=CP936)
-  # GB18030 cannot be a Windows ANSI page, but the Linux build accepts any iconv page.
-  util_add_gtest(strings_gb18030 strings_test ENV UTIL_ANSI_CODEPAGE=GB18030)
 endif()

