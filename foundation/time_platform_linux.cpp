@@ -9,7 +9,13 @@
 
 namespace DE::detail {
 
-long long CurrentTime() { return static_cast<long long>(time(nullptr)); }
+// The clock GetLocalSystemTime reads: glibc's time() reads the coarse clock, which can lag it by a
+// tick, and then a stamp taken after Now() could name a later second.
+long long CurrentTime() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return static_cast<long long>(now.tv_sec);
+}
 
 bool LocalTimeOf(long long t, tm& out) {
   // The Windows run-time has no local time before 1970 or after the year 3000.
