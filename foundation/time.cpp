@@ -14,7 +14,14 @@ namespace {
 // Both formatters write into a zeroed buffer of this many characters.
 constexpr std::size_t kFormatBufferSize = 100;
 
-bool LocalTimeForFormat(long long t, tm& local) { return t != -1 && detail::LocalTimeOf(t, local); }
+// The Windows run-time has no local time before 1970 or after 3000-12-31 23:59:59 UTC (-1, "no
+// time", is among those). Both builds refuse them here, once: the run-time would refuse them too,
+// but some run-times report them through the invalid-parameter handler, which may end the process.
+constexpr long long kMaxLocalTime = 32535215999LL;
+
+bool LocalTimeForFormat(long long t, tm& local) {
+  return t >= 0 && t <= kMaxLocalTime && detail::LocalTimeOf(t, local);
+}
 
 }  // namespace
 

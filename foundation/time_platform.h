@@ -13,13 +13,11 @@
 
 namespace DE::detail {
 
-// Latest time the Windows run-time converts to local time: 3000-12-31 23:59:59 UTC.
-constexpr long long kMaxLocalTime = 32535215999LL;
-
 // _time64: the current time in seconds since 1970-01-01 UTC.
 long long CurrentTime();
 
-// _localtime64_s: false for t < 0 or t > kMaxLocalTime (out is then unspecified).
+// _localtime64_s of a time from 1970-01-01 00:00:00 to 3000-12-31 23:59:59 UTC (the caller keeps
+// it in that range); false on failure, out is then unspecified.
 bool LocalTimeOf(long long t, tm& out);
 
 // _mktime64 of a local calendar record (normalised in place): tm_isdst 0 means standard time,

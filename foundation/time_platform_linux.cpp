@@ -18,8 +18,6 @@ long long CurrentTime() {
 }
 
 bool LocalTimeOf(long long t, tm& out) {
-  // The Windows run-time has no local time before 1970 or after the year 3000.
-  if (t < 0 || t > kMaxLocalTime) return false;
   const time_t value = static_cast<time_t>(t);
   return localtime_r(&value, &out) != nullptr;
 }

@@ -9,9 +9,6 @@ namespace DE::detail {
 long long CurrentTime() { return _time64(nullptr); }
 
 bool LocalTimeOf(long long t, tm& out) {
-  // The run-time rejects these itself, but some run-times report them through the
-  // invalid-parameter handler, which may end the process; the answer is the same.
-  if (t < 0 || t > kMaxLocalTime) return false;
   const __time64_t value = t;
   return _localtime64_s(&out, &value) == 0;
 }
