@@ -21,16 +21,6 @@ Text TrimRightCopy(const Text& s) {
   return last == Text::npos ? Text() : s.substr(0, last + 1);
 }
 
-// Empty input is handed back as is; all-space input gives "".
-template <typename Text>
-Text TrimBothCopy(const Text& s) {
-  if (s.empty()) return s;
-  const auto first = s.find_first_not_of(kSpace<typename Text::value_type>);
-  if (first == Text::npos) return Text();
-  const auto last = s.find_last_not_of(kSpace<typename Text::value_type>);
-  return s.substr(first, last - first + 1);
-}
-
 }  // namespace
 
 std::string TrimSPLeft(const std::string& s) { return TrimLeftCopy(s); }
@@ -59,7 +49,8 @@ void Trim(std::string& s) {
   RTrim(s);
 }
 
-std::string StringProc::StringTrim(const std::string& s) { return TrimBothCopy(s); }
-std::wstring StringProc::WStringTrim(const std::wstring& s) { return TrimBothCopy(s); }
+// The same rule as TrimSP (an empty input comes back empty either way).
+std::string StringProc::StringTrim(const std::string& s) { return TrimSP(s); }
+std::wstring StringProc::WStringTrim(const std::wstring& s) { return TrimSP(s); }
 
 }  // namespace DE
