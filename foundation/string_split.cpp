@@ -31,17 +31,19 @@ Text SeparateRightOf(const Text& s, const Text& sep) {
   return pos == Text::npos ? s : s.substr(pos + sep.size());
 }
 
-// When the remainder would equal the source (no separator, empty source or empty separator) the
-// source is emptied, so a caller looping on FetchBin always ends.
+// SeparateLeft, leaving SeparateRight in `src`; but when that would equal the source (no
+// separator, empty source or empty separator) the source is emptied, so a caller looping on
+// FetchBin always ends. One search serves both halves.
 template <typename Text>
 Text FetchBinOf(Text& src, const Text& sep) {
-  Text field = SeparateLeftOf(src, sep);
-  Text rest = SeparateRightOf(src, sep);
-  if (rest == src) {
+  const auto pos = sep.empty() ? Text::npos : src.find(sep);
+  if (pos == Text::npos) {
+    Text field = sep.empty() ? Text() : std::move(src);
     src.clear();
-  } else {
-    src.swap(rest);
+    return field;
   }
+  Text field = src.substr(0, pos);
+  src.erase(0, pos + sep.size());
   return field;
 }
 
