@@ -48,22 +48,22 @@ std::string FileDigest(CryptBase&& crypt, const Path& path) {
   return StreamDigest(std::move(crypt), file, size);
 }
 
-std::string HexOf(const std::string& digest) { return digest.empty() ? digest : BytesToHexString(digest); }
-
 }  // namespace
 
 std::string GetStreamSha1(Stream& s, long long count) { return StreamDigest(CryptSHA1(), s, count); }
 std::string GetStreamSha256(Stream& s, long long count) { return StreamDigest(CryptSHA256(), s, count); }
-std::string GetStreamSha1Hex(Stream& s, long long count) { return HexOf(GetStreamSha1(s, count)); }
-std::string GetStreamSha256Hex(Stream& s, long long count) { return HexOf(GetStreamSha256(s, count)); }
+std::string GetStreamSha1Hex(Stream& s, long long count) { return BytesToHexString(GetStreamSha1(s, count)); }
+std::string GetStreamSha256Hex(Stream& s, long long count) {
+  return BytesToHexString(GetStreamSha256(s, count));
+}
 
 std::string GetFileSha1(const std::string& path) { return FileDigest(CryptSHA1(), path); }
 std::string GetFileSha1(const std::wstring& path) { return FileDigest(CryptSHA1(), path); }
 std::string GetFileSha256(const std::string& path) { return FileDigest(CryptSHA256(), path); }
 std::string GetFileSha256(const std::wstring& path) { return FileDigest(CryptSHA256(), path); }
-std::string GetFileSha1Hex(const std::string& path) { return HexOf(GetFileSha1(path)); }
-std::string GetFileSha1Hex(const std::wstring& path) { return HexOf(GetFileSha1(path)); }
-std::string GetFileSha256Hex(const std::string& path) { return HexOf(GetFileSha256(path)); }
-std::string GetFileSha256Hex(const std::wstring& path) { return HexOf(GetFileSha256(path)); }
+std::string GetFileSha1Hex(const std::string& path) { return BytesToHexString(GetFileSha1(path)); }
+std::string GetFileSha1Hex(const std::wstring& path) { return BytesToHexString(GetFileSha1(path)); }
+std::string GetFileSha256Hex(const std::string& path) { return BytesToHexString(GetFileSha256(path)); }
+std::string GetFileSha256Hex(const std::wstring& path) { return BytesToHexString(GetFileSha256(path)); }
 
 }  // namespace DE
