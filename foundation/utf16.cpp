@@ -5,9 +5,6 @@ namespace {
 
 constexpr std::uint32_t kReplacement = 0xFFFD;
 
-bool IsHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 }  // namespace
 
 std::vector<std::uint16_t> ToUtf16(const wchar_t* text, std::size_t length) {
@@ -37,7 +34,7 @@ std::wstring FromUtf16(const std::uint16_t* units, std::size_t count) {
     if constexpr (sizeof(wchar_t) == 2) {
       text.push_back(static_cast<wchar_t>(unit));
     } else if (IsHighSurrogate(unit) && i + 1 < count && IsLowSurrogate(units[i + 1])) {
-      text.push_back(static_cast<wchar_t>(0x10000 + ((unit - 0xD800) << 10) + (units[i + 1] - 0xDC00)));
+      text.push_back(static_cast<wchar_t>(JoinSurrogates(unit, units[i + 1])));
       ++i;
     } else {
       text.push_back(static_cast<wchar_t>(unit));

@@ -13,6 +13,13 @@
 
 namespace DE::detail {
 
+constexpr bool IsHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+constexpr bool IsLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+// The code point a high and a low surrogate stand for together.
+constexpr std::uint32_t JoinSurrogates(std::uint32_t high, std::uint32_t low) {
+  return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
+}
+
 std::vector<std::uint16_t> ToUtf16(const wchar_t* text, std::size_t length);
 inline std::vector<std::uint16_t> ToUtf16(const std::wstring& text) {
   return ToUtf16(text.data(), text.size());

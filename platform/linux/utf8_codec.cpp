@@ -1,5 +1,7 @@
 #include "platform/linux/utf8_codec.h"
 
+#include "foundation/utf16.h"
+
 namespace DE::detail::linux_impl {
 namespace {
 
@@ -41,9 +43,6 @@ std::size_t DecodeSequence(const unsigned char* p, std::size_t available, char32
   return used;
 }
 
-bool IsHighSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool IsLowSurrogate(char32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
-
 }  // namespace
 
 std::wstring DecodeUtf8(const char* text, std::size_t length) {
@@ -65,6 +64,9 @@ std::wstring DecodeUtf8(const char* text, std::size_t length) {
   return out;
 }
 
+namespace {
+
+// The UTF-8 form of one code point (U+FFFD for surrogates and values past U+10FFFF).
 void AppendUtf8(std::string& out, char32_t c) {
   if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) c = kReplacement;
   if (c < 0x80) {
@@ -84,6 +86,8 @@ void AppendUtf8(std::string& out, char32_t c) {
   }
 }
 
+}  // namespace
+
 std::string EncodeUtf8(const wchar_t* text, std::size_t length) {
   std::string out;
   out.reserve(length);
@@ -94,7 +98,7 @@ std::string EncodeUtf8(const wchar_t* text, std::size_t length) {
       continue;
     }
     if (IsHighSurrogate(c) && i + 1 < length && IsLowSurrogate(static_cast<char32_t>(text[i + 1]))) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (static_cast<char32_t>(text[++i]) - 0xDC00);
+      c = JoinSurrogates(c, static_cast<char32_t>(text[++i]));
     }
     AppendUtf8(out, c);
   }

@@ -11,7 +11,4 @@ namespace DE::detail::linux_impl {
 std::wstring DecodeUtf8(const char* text, std::size_t length);
 std::string EncodeUtf8(const wchar_t* text, std::size_t length);
 
-// Appends the UTF-8 form of one code point (U+FFFD for surrogates and values past U+10FFFF).
-void AppendUtf8(std::string& out, char32_t codePoint);
-
 }  // namespace DE::detail::linux_impl
