@@ -73,68 +73,56 @@ void Report(benchmark::State& state, std::size_t bytes) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes));
 }
 
-void Utf8ToWide_Library(benchmark::State& state) {
-  const std::string text = Utf8Text(static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) benchmark::DoNotOptimize(DE::StringProc::StringToWStringByUTF8(text));
+// One encoding under test: its sample text, the library's conversions both ways, iconv's name
+// for it and the most bytes a character takes in it.
+struct Encoding {
+  std::string (*text)(std::size_t);
+  std::wstring (*toWide)(const std::string&);
+  std::string (*fromWide)(const std::wstring&);
+  const char* iconvName;
+  std::size_t maxBytesPerChar;
+};
+
+const Encoding kUtf8{Utf8Text, &DE::StringProc::StringToWStringByUTF8, &DE::StringProc::WStringToStringByUTF8,
+                     "UTF-8", 4};
+const Encoding kCp1252{Cp1252Text, &DE::StringProc::StringToWString, &DE::StringProc::WStringToString,
+                       "CP1252", 1};
+
+std::string SampleText(benchmark::State& state, const Encoding& e) {
+  return e.text(static_cast<std::size_t>(state.range(0)));
+}
+
+void ToWide_Library(benchmark::State& state, const Encoding& e) {
+  const std::string text = SampleText(state, e);
+  for (auto _ : state) benchmark::DoNotOptimize(e.toWide(text));
   Report(state, text.size());
 }
 
-void Utf8ToWide_Iconv(benchmark::State& state) {
-  const std::string text = Utf8Text(static_cast<std::size_t>(state.range(0)));
-  Iconv cd("WCHAR_T", "UTF-8");
+void ToWide_Iconv(benchmark::State& state, const Encoding& e) {
+  const std::string text = SampleText(state, e);
+  Iconv cd("WCHAR_T", e.iconvName);
   for (auto _ : state) {
     benchmark::DoNotOptimize(IconvConvert<std::wstring>(cd.get(), text.data(), text.size(), text.size()));
   }
   Report(state, text.size());
 }
 
-void WideToUtf8_Library(benchmark::State& state) {
-  const std::string text = Utf8Text(static_cast<std::size_t>(state.range(0)));
-  const std::wstring wide = DE::StringProc::StringToWStringByUTF8(text);
-  for (auto _ : state) benchmark::DoNotOptimize(DE::StringProc::WStringToStringByUTF8(wide));
+// Wide text back to narrow; throughput still counts the narrow bytes.
+void FromWide_Library(benchmark::State& state, const Encoding& e) {
+  const std::string text = SampleText(state, e);
+  const std::wstring wide = e.toWide(text);
+  for (auto _ : state) benchmark::DoNotOptimize(e.fromWide(wide));
   Report(state, text.size());
 }
 
-void WideToUtf8_Iconv(benchmark::State& state) {
-  const std::string text = Utf8Text(static_cast<std::size_t>(state.range(0)));
-  const std::wstring wide = DE::StringProc::StringToWStringByUTF8(text);
-  Iconv cd("UTF-8", "WCHAR_T");
+void FromWide_Iconv(benchmark::State& state, const Encoding& e) {
+  const std::string text = SampleText(state, e);
+  const std::wstring wide = e.toWide(text);
+  Iconv cd(e.iconvName, "WCHAR_T");
   for (auto _ : state) {
     benchmark::DoNotOptimize(IconvConvert<std::string>(cd.get(), reinterpret_cast<const char*>(wide.data()),
-                                                       wide.size() * sizeof(wchar_t), wide.size() * 4));
-  }
-  Report(state, text.size());
-}
-
-void AnsiToWide_Library(benchmark::State& state) {
-  const std::string text = Cp1252Text(static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) benchmark::DoNotOptimize(DE::StringProc::StringToWString(text));
-  Report(state, text.size());
-}
-
-void AnsiToWide_Iconv(benchmark::State& state) {
-  const std::string text = Cp1252Text(static_cast<std::size_t>(state.range(0)));
-  Iconv cd("WCHAR_T", "CP1252");
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(IconvConvert<std::wstring>(cd.get(), text.data(), text.size(), text.size()));
-  }
-  Report(state, text.size());
-}
-
-void WideToAnsi_Library(benchmark::State& state) {
-  const std::string text = Cp1252Text(static_cast<std::size_t>(state.range(0)));
-  const std::wstring wide = DE::StringProc::StringToWString(text);
-  for (auto _ : state) benchmark::DoNotOptimize(DE::StringProc::WStringToString(wide));
-  Report(state, text.size());
-}
-
-void WideToAnsi_Iconv(benchmark::State& state) {
-  const std::string text = Cp1252Text(static_cast<std::size_t>(state.range(0)));
-  const std::wstring wide = DE::StringProc::StringToWString(text);
-  Iconv cd("CP1252", "WCHAR_T");
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(IconvConvert<std::string>(cd.get(), reinterpret_cast<const char*>(wide.data()),
-                                                       wide.size() * sizeof(wchar_t), wide.size()));
+                                                       wide.size() * sizeof(wchar_t),
+                                                       wide.size() * e.maxBytesPerChar));
   }
   Report(state, text.size());
 }
@@ -207,14 +195,14 @@ void HexToBytes_Memcpy(benchmark::State& state) {
 
 void Sizes(benchmark::internal::Benchmark* b) { b->Arg(64)->Arg(4 << 10)->Arg(1 << 20); }
 
-BENCHMARK(Utf8ToWide_Library)->Apply(Sizes);
-BENCHMARK(Utf8ToWide_Iconv)->Apply(Sizes);
-BENCHMARK(WideToUtf8_Library)->Apply(Sizes);
-BENCHMARK(WideToUtf8_Iconv)->Apply(Sizes);
-BENCHMARK(AnsiToWide_Library)->Apply(Sizes);
-BENCHMARK(AnsiToWide_Iconv)->Apply(Sizes);
-BENCHMARK(WideToAnsi_Library)->Apply(Sizes);
-BENCHMARK(WideToAnsi_Iconv)->Apply(Sizes);
+BENCHMARK_CAPTURE(ToWide_Library, Utf8, kUtf8)->Apply(Sizes);
+BENCHMARK_CAPTURE(ToWide_Iconv, Utf8, kUtf8)->Apply(Sizes);
+BENCHMARK_CAPTURE(FromWide_Library, Utf8, kUtf8)->Apply(Sizes);
+BENCHMARK_CAPTURE(FromWide_Iconv, Utf8, kUtf8)->Apply(Sizes);
+BENCHMARK_CAPTURE(ToWide_Library, Cp1252, kCp1252)->Apply(Sizes);
+BENCHMARK_CAPTURE(ToWide_Iconv, Cp1252, kCp1252)->Apply(Sizes);
+BENCHMARK_CAPTURE(FromWide_Library, Cp1252, kCp1252)->Apply(Sizes);
+BENCHMARK_CAPTURE(FromWide_Iconv, Cp1252, kCp1252)->Apply(Sizes);
 BENCHMARK(Base64Encode_Library)->Apply(Sizes);
 BENCHMARK(Base64Encode_Memcpy)->Apply(Sizes);
 BENCHMARK(Base64Decode_Library)->Apply(Sizes);
